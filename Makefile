@@ -1,0 +1,38 @@
+# The entry points: make run | make test | make bench. Each installs what is
+# missing, configures with Ninja into build/, builds, then does its job.
+BUILD ?= build
+CMAKE_FLAGS ?= -DCMAKE_BUILD_TYPE=Release
+EXAMPLE ?= examples/expr.tkg
+
+.PHONY: all deps configure build run test bench clean
+
+all: build
+
+deps:
+	@bash scripts/install-deps.sh
+
+$(BUILD)/build.ninja: | deps
+	cmake -S . -B $(BUILD) -G Ninja $(CMAKE_FLAGS)
+
+configure: deps $(BUILD)/build.ninja
+
+build: configure
+	cmake --build $(BUILD)
+
+run: build
+	@if [ -n "$$DISPLAY" ] || [ -n "$$WAYLAND_DISPLAY" ] || [ -n "$$QT_QPA_PLATFORM" ]; then \
+	  ./$(BUILD)/src/ui/trelk $(EXAMPLE); \
+	else \
+	  echo "No display is available, so the workbench cannot open a window."; \
+	  echo "This is what 'trelk-cli check $(EXAMPLE)' says:"; \
+	  ./$(BUILD)/src/cli/trelk-cli check $(EXAMPLE); \
+	fi
+
+test: build
+	cd $(BUILD) && ctest --output-on-failure -j2
+
+bench: build
+	./$(BUILD)/bench/trelk-bench
+
+clean:
+	rm -rf $(BUILD)

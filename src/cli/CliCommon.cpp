@@ -1,0 +1,48 @@
+/// \file
+/// Loading and parsing the grammar a trelk-cli command names.
+#include "cli/CliCommands.h"
+#include "cli/CliHost.h"
+#include "storage/GrammarFile.h"
+
+#include <QFileInfo>
+
+int LoadGrammar(Workspace& workspace, const QString& path, QString& text)
+{
+    QString error;
+    if (!QFileInfo(path).isFile()) {
+        WriteErr(QStringLiteral("trelk-cli: ") + path + QStringLiteral(": no such file"));
+        return kExitFile;
+    }
+    if (!ReadGrammarFile(path, text, error)) {
+        WriteErr(QStringLiteral("trelk-cli: ") + error);
+        return kExitFile;
+    }
+    workspace.grammar.SetPath(QFileInfo(path).absoluteFilePath());
+    return kExitOk;
+}
+
+int ParseGrammar(Workspace& workspace, const QString& path, const QString& text)
+{
+    Grammar& grammar = workspace.grammar;
+    const bool parsed = grammar.SetText(text);
+    if (parsed)
+        return kExitOk;
+    if (Grammar::IsBlankText(text))
+        WriteErr(QStringLiteral("trelk-cli: ") + path + QStringLiteral(": the file holds no grammar"));
+    return kExitGrammar;
+}
+
+int CmdCheck(Workspace& workspace, const CliOptions&, const QString& path)
+{
+    QString text;
+    if (int status = LoadGrammar(workspace, path, text))
+        return status;
+    if (int status = ParseGrammar(workspace, path, text))
+        return status;
+    const Grammar& g = workspace.grammar;
+    WriteOut(QStringLiteral("OK: %1 terminals, %2 non-terminals, %3 rules\n")
+                 .arg(g.terminalCount)
+                 .arg(g.NonterminalCount())
+                 .arg(g.ruleCount));
+    return kExitOk;
+}

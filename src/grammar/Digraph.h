@@ -1,0 +1,86 @@
+/// \file
+/// The digraph algorithm: for a relation R over nodes lo..hi and initial sets
+/// F'(x), computes F(x) = F'(x) ∪ ⋃{F(y) | x R y} in one depth-first walk,
+/// collapsing strongly connected components as it goes.
+/// [DeRemer & Pennello 1982, "Efficient Computation of LALR(1) Look-Ahead Sets",
+/// section 5, procedure Digraph / Traverse.]
+#pragma once
+
+#include "grammar/CodeList.h"
+
+#include <algorithm>
+#include <climits>
+#include <vector>
+
+/// sets is indexed by node and holds F'(x) on entry, F(x) on return. edges(x)
+/// returns the successors of x. tick() is called once per node visited and
+/// returns false to abandon the walk; Digraph then returns false and sets is
+/// left partly computed.
+template <typename Edges, typename Tick>
+bool Digraph(int lo, int hi, Edges edges, std::vector<CodeList>& sets, Tick tick)
+{
+    if (hi < lo)
+        return true;
+    auto at = [lo](int x) { return static_cast<std::size_t>(x - lo); };
+    auto set = [&sets](int x) -> CodeList& { return sets[static_cast<std::size_t>(x)]; };
+    // N(x): 0 unvisited, INT_MAX finished, otherwise the lowest stack depth x reaches.
+    std::vector<int> n(static_cast<std::size_t>(hi - lo + 1), 0);
+    std::vector<int> stack;
+    // An explicit frame stack instead of recursion: chains can be thousands deep.
+    struct Frame {
+        int node;
+        int depth;         // stack depth of node when it was entered
+        std::size_t next;  // index of the next successor to look at
+    };
+    std::vector<Frame> frames;
+    auto enter = [&](int x) {
+        stack.push_back(x);
+        const int d = static_cast<int>(stack.size());
+        n[at(x)] = d;
+        frames.push_back({x, d, 0});
+    };
+
+    for (int start = lo; start <= hi; ++start) {
+        if (n[at(start)] != 0)
+            continue;
+        enter(start);
+        while (!frames.empty()) {
+            Frame& f = frames.back();
+            const int x = f.node;
+            const std::vector<int>& succ = edges(x);
+            if (f.next < succ.size()) {
+                const int y = succ[f.next++];
+                if (y < lo || y > hi || y == x)
+                    continue;
+                if (n[at(y)] == 0) {
+                    enter(y);
+                    continue;
+                }
+                n[at(x)] = std::min(n[at(x)], n[at(y)]);
+                set(x).Merge(set(y));
+                continue;
+            }
+            // Every successor is done: x closes its component when it is the root.
+            const int d = f.depth;
+            frames.pop_back();
+            if (n[at(x)] == d) {
+                for (;;) {
+                    const int top = stack.back();
+                    stack.pop_back();
+                    n[at(top)] = INT_MAX;
+                    if (top == x)
+                        break;
+                    set(top) = set(x);
+                }
+            }
+            if (!frames.empty()) {
+                const int parent = frames.back().node;
+                n[at(parent)] = std::min(n[at(parent)], n[at(x)]);
+                set(parent).Merge(set(x));
+            }
+            if (!tick())
+                return false;
+        }
+    }
+    return true;
+}

@@ -1,0 +1,206 @@
+/// \file
+/// Grammar: the one grammar the user works on — its symbols and rules, the
+/// per-rule and per-symbol data derived from them, the grammar sets, the
+/// report texts and the 32 grammar-wide flags.
+#pragma once
+
+#include "grammar/CodeList.h"
+#include "grammar/Host.h"
+
+#include <QString>
+#include <array>
+#include <optional>
+#include <vector>
+
+/// Grammar-wide flag numbers with a fixed meaning.
+namespace GrammarFlag {
+constexpr int Parsed = 0;             ///< the grammar is parsed
+constexpr int FirstDone = 2;          ///< nullable marks and FIRST are computed
+constexpr int FollowBDone = 3;        ///< FOLLOWB is computed
+constexpr int FollowLDone = 4;        ///< FOLLOWL is computed
+constexpr int FollowRDone = 5;        ///< FOLLOWR is computed
+constexpr int AnalysedLL = 6;         ///< views 6..11: that analysis has run
+constexpr int AnalysedSLR = 7;
+constexpr int AnalysedLALR = 8;
+constexpr int AnalysedLR = 9;
+constexpr int AnalysedSPR = 10;
+constexpr int AnalysedOPR = 11;
+constexpr int LLPermitted = 12;       ///< no left recursion: LL(1) may be tried
+constexpr int NoEqualRightSides = 22; ///< no two rules have the same right side
+constexpr int HasEmptyRule = 23;      ///< at least one rule is empty
+constexpr int LeftRecursive = 24;     ///< the grammar is left-recursive
+constexpr int Count = 32;
+} // namespace GrammarFlag
+
+/// The text every report and result slot holds until it is computed.
+inline const QString NotAnalyzed = QStringLiteral("Not analyzed.");
+
+/// Symbol coding (shared by every part of the program): 0 is the end marker;
+/// terminals are 1..terminalCount in order of first appearance; non-terminals
+/// are firstNonterminal..lastCode in order of first appearance, the goal always
+/// firstNonterminal; -2 is the augmented start symbol "<'>" and -1 the item
+/// mark of LR displays.
+///
+/// Rules are vectors of codes: element 0 is the left side, elements 1.. the
+/// right side; an empty rule is exactly {left, 0}. Rule 0 is {-2, goal}; rules
+/// 1..ruleCount are the user's, pairwise different, none of the form A = A.
+///
+/// Arrays "per non-terminal" are indexed by the symbol code itself (size
+/// lastCode + 1; the entries below firstNonterminal are unused), so that code
+/// arithmetic never appears at the call sites.
+class Grammar {
+public:
+    explicit Grammar(Host* host = nullptr);
+
+    /// The host through which messages are shown and the message loop is given
+    /// turns. Never null (a silent host stands in).
+    Host& host() const { return *m_host; }
+    void setHost(Host* host);
+
+    // ---- Properties and housekeeping -------------------------------------
+
+    /// Resets everything: symbols, rules, sets, flags, reports; Parsed false.
+    void Clear();
+    QString InitDir() const { return m_initDir; }
+    QString Name() const { return m_name; }
+    QString Path() const { return m_path; }
+    /// Stores the path; when it holds a separator, derives InitDir (with the
+    /// trailing separator) and Name (the file name less its last four characters).
+    void SetPath(const QString& path);
+    bool InProcess() const { return m_inProcess; }
+    void SetInProcess(bool value) { m_inProcess = value; }
+    bool Parsed() const { return m_parsed; }
+    void SetParsed(bool value) { m_parsed = value; }
+
+    /// The canonical text of the grammar ("#0 <goal>", "#1 <A>=...", CR LF between);
+    /// empty when there are no terminals. Kept in grammarText as well.
+    QString Text();
+    /// Parses and checks text; shows the first error through the host and returns
+    /// false. True also for a left-recursive grammar (recorded, not rejected).
+    bool SetText(const QString& text);
+    /// True when text has no line with anything but spaces: SetText then returns
+    /// false at once, without a message, and keeps the grammar as it was.
+    static bool IsBlankText(const QString& text);
+
+    /// One symbol for reports: "$" for the end marker, "[t]", "<N>", "<'>", "•".
+    QString GetSymbolS(int code) const;
+    /// The same, with "EOT" for the end marker (generated text).
+    QString GetSymbolT(int code) const;
+
+    /// The FIRST report; "Not analyzed." until FIRST is computed. Built on first
+    /// request and kept in firstReport until the sets change.
+    QString CommentedFirst();
+
+    /// Takes a snapshot of the names, the rules and the five counts into the
+    /// copy* fields, for the transformations.
+    void MakeACopy();
+
+    // ---- Grammar-wide flags ------------------------------------------------
+
+    /// Makes the 32 flags afresh, every one empty (reads as false).
+    void ResetFlags();
+    void SetFlag(int index, bool value);
+    bool GetFlag(int index) const;
+    /// The stored value, empty when never written (the compiled file keeps the difference).
+    std::optional<bool> FlagValue(int index) const { return flags[static_cast<std::size_t>(index)]; }
+    void SetFlagValue(int index, std::optional<bool> value) { flags[static_cast<std::size_t>(index)] = value; }
+
+    // ---- Code helpers ------------------------------------------------------
+
+    bool IsTerminal(int code) const { return code > 0 && code < firstNonterminal; }
+    bool IsNonterminal(int code) const { return code >= firstNonterminal; }
+    const QString& SymbolName(int code) const { return symbolNames[static_cast<std::size_t>(code + 2)]; }
+    /// Number of right-side symbols of rule r (0 for an empty rule).
+    int RightLength(int r) const
+    {
+        return ruleIsEmpty[static_cast<std::size_t>(r)] ? 0
+                                                         : static_cast<int>(rules[static_cast<std::size_t>(r)].size()) - 1;
+    }
+    int NonterminalCount() const { return lastCode - terminalCount; }
+
+    // ---- Grammar data (filled by SetText, reset by Clear) ------------------
+
+    std::vector<QString> symbolNames;      ///< index code + 2: "<'>", "•", ".", terminals, non-terminals
+    std::vector<QString> terminalNames;    ///< parse-time terminal names, from 1 (0 unused)
+    std::vector<QString> nonterminalNames; ///< parse-time non-terminal names, from 1 (0 unused)
+    int ruleCount = 0;                     ///< R: the highest rule number (rule 0 not counted)
+    int lastCode = 0;                      ///< T + N: the last symbol code
+    int terminalCount = 0;                 ///< T
+    int firstNonterminal = 1;              ///< T + 1
+    int goal = 0;                          ///< the goal's code (always T + 1 once parsed)
+    std::vector<std::vector<int>> rules;   ///< 0..R, as described above
+    std::vector<char> ruleIsEmpty;         ///< 0..R: the rule is {left, 0}
+    std::vector<char> hasEmptyRule;        ///< by code: the non-terminal heads an empty rule
+    std::vector<char> nullable;            ///< by code: the non-terminal derives the empty string
+    std::vector<char> leftRecursive;       ///< by code: the left-recursion test marked it
+    std::vector<char> ruleNullable;        ///< 0..R: empty, or only nullable non-terminals on the right
+
+    int maxRuleLength = 0;       ///< longest non-empty rule in elements, left side included
+    int maxTerminalName = 1;     ///< longest terminal name (at least 1)
+    int maxNonterminalName = 1;  ///< longest non-terminal name (at least 1)
+    int maxName = 1;             ///< longest name of either kind (at least 1)
+
+    // ---- Sets (see GrammarSets.cpp) ----------------------------------------
+
+    std::vector<CodeList> first;        ///< by code: FIRST of a non-terminal (terminals only)
+    std::vector<CodeList> firstOfRule;  ///< 1..R: FIRST of the right side, 0 when it derives ε
+    std::vector<CodeList> followB;      ///< by code: FOLLOWB (the BASIS report)
+    std::vector<CodeList> followL;      ///< by code: FOLLOWL (used by LL(1))
+    std::vector<CodeList> followR;      ///< by code: FOLLOWR (used by SLR(1))
+    std::vector<CodeList> directFirst;  ///< by code: non-terminals that start a right side of it
+    std::vector<CodeList> leftSet;      ///< by code: precedence left sets
+    std::vector<CodeList> rightSet;     ///< by code: precedence right sets
+    std::vector<CodeList> leftTermSet;  ///< by code: operator-precedence left terminal sets
+    std::vector<CodeList> rightTermSet; ///< by code: operator-precedence right terminal sets
+
+    // ---- Texts ---------------------------------------------------------------
+
+    QString grammarText;      ///< the last text produced by Text()
+    QString symbolListing;    ///< plain symbol listing built after a parse ("0 EOT", ...)
+    QString firstReport;      ///< FIRST report: "Not analyzed.", or empty until first asked for
+    QString followBReport;    ///< FOLLOWB (BASIS) report
+    QString followLReport;    ///< FOLLOWL report
+    QString followRReport;    ///< FOLLOWR report
+    QString llRejection;      ///< the LL(1) verdict stored when left recursion is found
+
+    std::array<std::optional<bool>, GrammarFlag::Count> flags{}; ///< the grammar-wide flags
+
+    // ---- Snapshot taken by MakeACopy -----------------------------------------
+
+    std::vector<QString> copySymbolNames;
+    std::vector<std::vector<int>> copyRules;
+    int copyGoal = 0;
+    int copyFirstNonterminal = 1;
+    int copyTerminalCount = 0;
+    int copyRuleCount = 0;
+    int copyLastCode = 0;
+
+private:
+    // Parse steps (GrammarParser.cpp).
+    bool ParseGrammarText(const QString& text);
+    bool CheckDefinitions();
+    void BuildSymbolListing();
+    void FindEqualRightSides();
+    void ComputeNameLengths();
+    void MarkEmptyRules();
+    /// The sets computed as part of the parse: nullable marks, FIRST per
+    /// non-terminal and per rule. Sets flag 2 and the FIRST report when done.
+    void ComputeFirstSets();
+    /// The left-recursion test (LeftRecursion.cpp); marks leftRecursive.
+    bool FindLeftRecursion();
+    /// Report text builders (GrammarReports.cpp).
+    QString BuildFirstReport() const;
+    /// Every symbol printed with GetSymbolS, by code (reports print many members).
+    std::vector<QString> PrintedSymbols() const;
+    /// "LABEL(" + symbol + ")" padded so that the "=" signs of a report line up.
+    QString SetLabel(const QString& label, const QString& symbol) const;
+    /// The members of a set as printed, joined by ", ".
+    static void AppendMembers(QString& text, const CodeList& set, const std::vector<QString>& printed);
+
+    Host* m_host;
+    QString m_path;
+    QString m_initDir;
+    QString m_name;
+    bool m_inProcess = false;
+    bool m_parsed = false;
+};

@@ -1,0 +1,122 @@
+/// \file
+/// Grammar sets computed as part of the parse: the nullable marks, FIRST of
+/// every non-terminal and FIRST of every rule.
+#include "grammar/Grammar.h"
+
+#include "grammar/Digraph.h"
+
+void Grammar::ComputeFirstSets()
+{
+    SetFlag(GrammarFlag::FirstDone, false);
+    firstReport = NotAnalyzed;
+    const std::size_t codes = static_cast<std::size_t>(lastCode) + 1;
+    const std::size_t ruleSlots = static_cast<std::size_t>(ruleCount) + 1;
+
+    auto abandon = [&] {
+        // A stopped computation leaves the arrays empty, so that the next run
+        // starts again from nothing.
+        nullable.assign(codes, 0);
+        ruleNullable.assign(ruleSlots, 0);
+        first.assign(codes, CodeList());
+        firstOfRule.assign(ruleSlots, CodeList());
+        directFirst.assign(codes, CodeList());
+    };
+    abandon();
+
+    // Nullable marks: an empty rule marks its left side; a rule whose right side
+    // is all nullable non-terminals marks its left side. Worklist over the
+    // number of not-yet-nullable symbols left in each rule.
+    std::vector<int> pending(ruleSlots, 0);
+    std::vector<std::vector<int>> usedIn(codes);
+    std::vector<int> work;
+    for (int r = 1; r <= ruleCount; ++r) {
+        const std::vector<int>& rule = rules[static_cast<std::size_t>(r)];
+        if (ruleIsEmpty[static_cast<std::size_t>(r)]) {
+            work.push_back(r);
+            continue;
+        }
+        bool hasTerminal = false;
+        for (std::size_t i = 1; i < rule.size(); ++i)
+            hasTerminal |= !IsNonterminal(rule[i]);
+        if (hasTerminal) {
+            pending[static_cast<std::size_t>(r)] = -1;  // can never become nullable
+            continue;
+        }
+        pending[static_cast<std::size_t>(r)] = static_cast<int>(rule.size()) - 1;
+        for (std::size_t i = 1; i < rule.size(); ++i)
+            usedIn[static_cast<std::size_t>(rule[i])].push_back(r);
+    }
+    while (!work.empty()) {
+        const int r = work.back();
+        work.pop_back();
+        ruleNullable[static_cast<std::size_t>(r)] = 1;
+        const int a = rules[static_cast<std::size_t>(r)][0];
+        if (nullable[static_cast<std::size_t>(a)])
+            continue;
+        nullable[static_cast<std::size_t>(a)] = 1;
+        for (int user : usedIn[static_cast<std::size_t>(a)])
+            if (--pending[static_cast<std::size_t>(user)] == 0)
+                work.push_back(user);
+    }
+
+    // FIRST per non-terminal. Each rule contributes the terminals and the
+    // non-terminals that stand behind a nullable prefix of its right side; FIRST(A)
+    // is the union of the terminals reachable through those non-terminals, found
+    // with the digraph algorithm so that cycles cost nothing extra.
+    std::vector<CodeList> own(codes);
+    for (int r = 1; r <= ruleCount; ++r) {
+        const std::vector<int>& rule = rules[static_cast<std::size_t>(r)];
+        const std::size_t a = static_cast<std::size_t>(rule[0]);
+        if (ruleIsEmpty[static_cast<std::size_t>(r)])
+            continue;
+        for (std::size_t i = 1; i < rule.size(); ++i) {
+            const int x = rule[i];
+            if (!IsNonterminal(x)) {
+                if (x != 0)
+                    own[a].Add(x);
+                break;
+            }
+            directFirst[a].Add(x);
+            if (!nullable[static_cast<std::size_t>(x)])
+                break;
+        }
+        host().yield();
+        if (!InProcess())
+            return abandon();
+    }
+    first = std::move(own);
+    const bool complete = Digraph(
+        firstNonterminal, lastCode, [&](int a) -> const std::vector<int>& { return directFirst[static_cast<std::size_t>(a)].Items(); },
+        first, [&] {
+            host().yield();
+            return InProcess();
+        });
+    if (!complete)
+        return abandon();
+
+    // FIRST per rule: walk the right side; a terminal ends the walk, a
+    // non-terminal adds its FIRST and ends it unless nullable; a nullable end adds 0.
+    for (int r = 1; r <= ruleCount; ++r) {
+        const std::vector<int>& rule = rules[static_cast<std::size_t>(r)];
+        CodeList& set = firstOfRule[static_cast<std::size_t>(r)];
+        if (ruleIsEmpty[static_cast<std::size_t>(r)]) {
+            set.Add(0);
+            continue;
+        }
+        for (std::size_t i = 1; i < rule.size(); ++i) {
+            const int x = rule[i];
+            if (!IsNonterminal(x)) {
+                set.Add(x);  // a terminal, or the end marker written as "."
+                break;
+            }
+            set.Merge(first[static_cast<std::size_t>(x)]);
+            if (!nullable[static_cast<std::size_t>(x)])
+                break;
+            if (i + 1 == rule.size())
+                set.Add(0);
+        }
+    }
+
+    SetFlag(GrammarFlag::FirstDone, true);
+    firstReport.clear();  // built when first asked for
+}

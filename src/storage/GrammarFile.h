@@ -1,0 +1,19 @@
+/// \file
+/// Grammar text files: reading (blank lines dropped, lines joined with CR LF,
+/// UTF-8 with a Windows-1251 fallback) and the text encoding helpers.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+/// Decodes file bytes: UTF-8 (a leading byte-order mark is dropped) when they
+/// are valid UTF-8, otherwise Windows-1251, as older Windows files are.
+QString DecodeGrammarBytes(const QByteArray& bytes);
+
+/// The editor text of a grammar file: its non-empty lines joined by CR LF, with
+/// one final CR LF. Lines end at CR LF, LF or CR.
+QString JoinGrammarLines(const QString& decoded);
+
+/// Reads a grammar text file as File Open does. On failure returns false and
+/// describes the failure in error.
+bool ReadGrammarFile(const QString& path, QString& text, QString& error);

@@ -1,0 +1,8 @@
+#include "support/RecordingHost.h"
+
+void RecordingHost::yield()
+{
+    ++yields;
+    if (stop && stopAfter > 0 && yields == stopAfter)
+        stop();
+}

@@ -1,0 +1,47 @@
+#include "support/TestPaths.h"
+
+#include "storage/GrammarFile.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <gtest/gtest.h>
+
+QString CorpusDir()
+{
+    const QByteArray env = qgetenv("TRELK_CORPUS");
+    if (!env.isEmpty())
+        return QString::fromLocal8Bit(env);
+    return QDir::cleanPath(QStringLiteral(TRELK_SOURCE_DIR "/../shared/corpus"));
+}
+
+QStringList CorpusGrammars()
+{
+    QStringList files;
+    QDirIterator it(CorpusDir(), {QStringLiteral("*.tkg")}, QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext())
+        files << it.next();
+    files.sort();
+    EXPECT_FALSE(files.isEmpty()) << "no grammar corpus at " << CorpusDir().toStdString()
+                                  << " (set TRELK_CORPUS to its folder)";
+    return files;
+}
+
+QString ReadGrammarText(const QString& path)
+{
+    QString text, error;
+    EXPECT_TRUE(ReadGrammarFile(path, text, error)) << error.toStdString();
+    return text;
+}
+
+QString BuiltProgram(const QString& relative)
+{
+    return QStringLiteral(TRELK_BINARY_DIR "/") + relative;
+}
+
+QString ScratchDir(const QString& name)
+{
+    const QString path = QStringLiteral(TRELK_BINARY_DIR "/test-scratch/") + name;
+    QDir(path).removeRecursively();
+    QDir().mkpath(path);
+    return path;
+}

@@ -1,0 +1,20 @@
+/// \file
+/// Where the tests find the shared grammar corpus and the built programs.
+#pragma once
+
+#include "support/QtPrinters.h"
+
+#include <QString>
+#include <QStringList>
+
+/// The corpus folder: $TRELK_CORPUS, or ../shared/corpus beside the source tree.
+QString CorpusDir();
+/// Every .tkg of the corpus (real grammars and the scaling families), sorted.
+/// Fails the calling test when the corpus is missing.
+QStringList CorpusGrammars();
+/// Reads a file as File Open does (blank lines dropped, CR LF).
+QString ReadGrammarText(const QString& path);
+/// The path of a built program, e.g. BuiltProgram("src/cli/trelk-cli").
+QString BuiltProgram(const QString& relative);
+/// A fresh folder under the build tree, removed at the start of each run.
+QString ScratchDir(const QString& name);
