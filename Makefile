@@ -21,18 +21,18 @@ build: configure
 
 run: build
 	@if [ -n "$$DISPLAY" ] || [ -n "$$WAYLAND_DISPLAY" ] || [ -n "$$QT_QPA_PLATFORM" ]; then \
-	  ./$(BUILD)/src/ui/trelk $(EXAMPLE); \
+	  ./$(BUILD)/bin/trelk $(EXAMPLE); \
 	else \
 	  echo "No display is available, so the workbench cannot open a window."; \
 	  echo "This is what 'trelk-cli check $(EXAMPLE)' says:"; \
-	  ./$(BUILD)/src/cli/trelk-cli check $(EXAMPLE); \
+	  ./$(BUILD)/bin/trelk-cli check $(EXAMPLE); \
 	fi
 
 test: build
 	cd $(BUILD) && ctest --output-on-failure -j2
 
 bench: build
-	./$(BUILD)/bench/trelk-bench
+	./$(BUILD)/bin/trelk-bench
 
 clean:
 	rm -rf $(BUILD)

@@ -5,6 +5,7 @@
 #include "analysers/Workspace.h"
 
 #include <QString>
+#include <QStringList>
 
 /// Exit statuses of trelk-cli.
 constexpr int kExitOk = 0;
@@ -25,4 +26,5 @@ int LoadGrammar(Workspace& workspace, const QString& path, QString& text);
 /// on stderr (a blank text gets its own) and kExitGrammar is returned.
 int ParseGrammar(Workspace& workspace, const QString& path, const QString& text);
 
-int CmdCheck(Workspace& workspace, const CliOptions& options, const QString& path);
+// The commands; args holds what follows the command name (GRAMMAR first).
+int CmdCheck(Workspace& workspace, const CliOptions& options, const QStringList& args);

@@ -32,8 +32,9 @@ int ParseGrammar(Workspace& workspace, const QString& path, const QString& text)
     return kExitGrammar;
 }
 
-int CmdCheck(Workspace& workspace, const CliOptions&, const QString& path)
+int CmdCheck(Workspace& workspace, const CliOptions&, const QStringList& args)
 {
+    const QString& path = args[0];
     QString text;
     if (int status = LoadGrammar(workspace, path, text))
         return status;

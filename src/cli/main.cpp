@@ -52,7 +52,21 @@ int main(int argc, char** argv)
     Workspace workspace(&host);
     host.setStop([&workspace] { workspace.grammar.SetInProcess(false); });
 
-    if (command == QStringLiteral("check"))
-        return args.size() == 1 ? CmdCheck(workspace, options, args[0]) : Usage(QStringLiteral("check takes one grammar"));
+    // name, least and most arguments after the command, handler
+    struct Command {
+        const char* name;
+        int least, most;
+        int (*run)(Workspace&, const CliOptions&, const QStringList&);
+    };
+    static const Command commands[] = {
+        {"check", 1, 1, CmdCheck},
+    };
+    for (const Command& c : commands) {
+        if (command != QLatin1String(c.name))
+            continue;
+        if (args.size() < c.least || args.size() > c.most)
+            return Usage(command + QStringLiteral(": wrong number of arguments"));
+        return c.run(workspace, options, args);
+    }
     return Usage(QStringLiteral("unknown command ") + command);
 }

@@ -91,6 +91,29 @@ public:
     /// request and kept in firstReport until the sets change.
     QString CommentedFirst();
 
+    /// The C identifier of a symbol: endMarkerText for code 0, otherwise "TOK_" or
+    /// "SYM_" and the upper-cased name with mnemonics, replacements and
+    /// transliteration (SymbolNames.cpp).
+    QString GetSymbolName(int code, const QString& endMarkerText) const;
+    /// The plain symbol listing followed by the body of the token enumeration.
+    QString CommentedSymbolsDisplay() const;
+    /// The FOLLOWB report, labelled "BASIS(".
+    QString CommentedBasis();
+    /// The FOLLOWL report, labelled "FOLLOW(".
+    QString CommentedFollowL();
+    /// The FOLLOWR report, labelled "FOLLOW(".
+    QString CommentedFollowR();
+    /// The detailed report: "FOLLOWB(", "FOLLOWL(" and "FOLLOWR(" side by side per non-terminal.
+    QString CommentedFollowSets();
+    /// The rule report of view 0.
+    QString CommentedRules();
+
+    /// The follow sets: each does nothing unless its precondition flag is set
+    /// (FIRST for FOLLOWB, FOLLOWB for the other two) and its own flag is clear.
+    void FindFollowB();
+    void FindFollowL();
+    void FindFollowR();
+
     /// Takes a snapshot of the names, the rules and the five counts into the
     /// copy* fields, for the transformations.
     void MakeACopy();

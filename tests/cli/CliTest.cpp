@@ -15,7 +15,7 @@ struct CliRun {
 CliRun Cli(const QStringList& args)
 {
     QProcess p;
-    p.start(BuiltProgram(QStringLiteral("src/cli/trelk-cli")), args);
+    p.start(BuiltProgram(QStringLiteral("bin/trelk-cli")), args);
     EXPECT_TRUE(p.waitForFinished(60000));
     CliRun r;
     r.status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;

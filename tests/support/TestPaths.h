@@ -14,7 +14,7 @@ QString CorpusDir();
 QStringList CorpusGrammars();
 /// Reads a file as File Open does (blank lines dropped, CR LF).
 QString ReadGrammarText(const QString& path);
-/// The path of a built program, e.g. BuiltProgram("src/cli/trelk-cli").
+/// The path of a built program, e.g. BuiltProgram("bin/trelk-cli").
 QString BuiltProgram(const QString& relative);
 /// A fresh folder under the build tree, removed at the start of each run.
 QString ScratchDir(const QString& name);
