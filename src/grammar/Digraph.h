@@ -12,17 +12,18 @@
 #include <climits>
 #include <vector>
 
-/// sets is indexed by node and holds F'(x) on entry, F(x) on return. edges(x)
+/// sets is indexed by node (any set type with Merge(other)) and holds F'(x) on
+/// entry, F(x) on return. edges(x)
 /// returns the successors of x. tick() is called once per node visited and
 /// returns false to abandon the walk; Digraph then returns false and sets is
 /// left partly computed.
-template <typename Edges, typename Tick>
-bool Digraph(int lo, int hi, Edges edges, std::vector<CodeList>& sets, Tick tick)
+template <typename Set, typename Edges, typename Tick>
+bool Digraph(int lo, int hi, Edges edges, std::vector<Set>& sets, Tick tick)
 {
     if (hi < lo)
         return true;
     auto at = [lo](int x) { return static_cast<std::size_t>(x - lo); };
-    auto set = [&sets](int x) -> CodeList& { return sets[static_cast<std::size_t>(x)]; };
+    auto set = [&sets](int x) -> Set& { return sets[static_cast<std::size_t>(x)]; };
     // N(x): 0 unvisited, INT_MAX finished, otherwise the lowest stack depth x reaches.
     std::vector<int> n(static_cast<std::size_t>(hi - lo + 1), 0);
     std::vector<int> stack;

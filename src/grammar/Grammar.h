@@ -26,6 +26,9 @@ constexpr int AnalysedLR = 9;
 constexpr int AnalysedSPR = 10;
 constexpr int AnalysedOPR = 11;
 constexpr int LLPermitted = 12;       ///< no left recursion: LL(1) may be tried
+constexpr int SLRVerdict = 13;        ///< the grammar is SLR(1)
+constexpr int LALRVerdict = 14;       ///< the grammar is LALR(1)
+constexpr int LRVerdict = 15;         ///< the grammar is LR(1)
 constexpr int NoEqualRightSides = 22; ///< no two rules have the same right side
 constexpr int HasEmptyRule = 23;      ///< at least one rule is empty
 constexpr int LeftRecursive = 24;     ///< the grammar is left-recursive
@@ -95,7 +98,8 @@ public:
     /// "SYM_" and the upper-cased name with mnemonics, replacements and
     /// transliteration (SymbolNames.cpp).
     QString GetSymbolName(int code, const QString& endMarkerText) const;
-    /// The plain symbol listing followed by the body of the token enumeration.
+    /// The plain symbol listing followed by the body of the token enumeration;
+    /// "Not analyzed." until parsed.
     QString CommentedSymbolsDisplay() const;
     /// The FOLLOWB report, labelled "BASIS(".
     QString CommentedBasis();
@@ -103,9 +107,12 @@ public:
     QString CommentedFollowL();
     /// The FOLLOWR report, labelled "FOLLOW(".
     QString CommentedFollowR();
-    /// The detailed report: "FOLLOWB(", "FOLLOWL(" and "FOLLOWR(" side by side per non-terminal.
+    /// The detailed report: "FOLLOWB(", "FOLLOWL(" and "FOLLOWR(" lines per
+    /// non-terminal; "Not analyzed." until all three are computed. Built on
+    /// each request.
     QString CommentedFollowSets();
-    /// The rule report of view 0.
+    /// The rule report of view 0: the counts, then one line per rule; "Not
+    /// analyzed." until parsed. Built on each request.
     QString CommentedRules();
 
     /// The follow sets: each does nothing unless its precondition flag is set
@@ -211,14 +218,20 @@ private:
     void ComputeFirstSets();
     /// The left-recursion test (LeftRecursion.cpp); marks leftRecursive.
     bool FindLeftRecursion();
+    /// FOLLOWL or FOLLOWR from FOLLOWB (FollowSets.cpp): copies FOLLOWB into sets,
+    /// adds FIRST of the non-terminal members (of the nullable non-terminals only,
+    /// skipping X == A, when nullableOnly), keeps codes below firstNonterminal.
+    /// False when stopped through InProcess.
+    bool ExpandFollowSets(std::vector<CodeList>& sets, bool nullableOnly);
     /// Report text builders (GrammarReports.cpp).
     QString BuildFirstReport() const;
+    /// One line per non-terminal: label, symbol, ")", " = " and the members.
+    QString BuildSetReport(const QString& label, const std::vector<CodeList>& sets) const;
     /// Every symbol printed with GetSymbolS, by code (reports print many members).
     std::vector<QString> PrintedSymbols() const;
-    /// "LABEL(" + symbol + ")" padded so that the "=" signs of a report line up.
-    QString SetLabel(const QString& label, const QString& symbol) const;
-    /// The members of a set as printed, joined by ", ".
-    static void AppendMembers(QString& text, const CodeList& set, const std::vector<QString>& printed);
+    /// The width to which "LABEL(" + symbol + ")" is padded, so that the "="
+    /// signs of a report line up.
+    qsizetype LabelWidth(qsizetype labelLength) const;
 
     Host* m_host;
     QString m_path;
