@@ -33,6 +33,7 @@ test: build
 
 bench: build
 	./$(BUILD)/bin/trelk-bench
+	python3 bench/compare.py --cli $(BUILD)/bin/trelk-cli
 
 clean:
 	rm -rf $(BUILD)

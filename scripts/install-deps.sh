@@ -9,7 +9,7 @@ packages=(
   libgtest-dev googletest
   fonts-dejavu-core
   xvfb xauth
-  bison byacc
+  bison byacc time python3
 )
 
 missing=()

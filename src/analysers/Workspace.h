@@ -1,13 +1,18 @@
 /// \file
 /// Workspace: the program-wide state in one object — the grammar with its sets
-/// and reports, the settings values, and (as the analysers arrive) their kept
-/// results. The main window owns one for the program's life; trelk-cli makes
-/// one per run; tests make as many as they like.
+/// and reports, the settings values, the analysers' kept results and the
+/// status texts of the current run. The main window owns one for the
+/// program's life; trelk-cli makes one per run; tests make as many as they like.
 #pragma once
 
+#include "analysers/IAnazer.h"
+#include "analysers/Results.h"
 #include "grammar/Grammar.h"
 #include "grammar/Host.h"
 #include "storage/Settings.h"
+
+#include <array>
+#include <memory>
 
 class Workspace {
 public:
@@ -19,9 +24,30 @@ public:
     Host& host() const { return *m_host; }
     void setHost(Host* host);
 
+    /// Shows text in a status label and remembers it (the run copies the
+    /// captions into the analyser's saved status texts).
+    void SetStatus(StatusField field, const QString& text);
+    QString Status(StatusField field) const { return m_status[static_cast<std::size_t>(field)]; }
+
+    /// The Stop command: clears the grammar's InProcess and the current analyser's.
+    void Stop();
+
+    /// Empties every analyser's tables, puts "Not analyzed." back into their
+    /// texts, clears their saved status texts and analysed flags.
+    void ResetResults();
+
     Grammar grammar;    ///< the current grammar, its sets, reports and flags
     Settings settings;  ///< the values of section "Main"
 
+    LLResults ll;       ///< LL(1): SYNTA and its text
+    LrResults slr;      ///< SLR(1)
+    LrResults lalr;     ///< LALR(1)
+    LrResults lr;       ///< canonical LR(1)
+
+    /// The analyser of the last Analyse or Export on an analyser view (may be null).
+    std::unique_ptr<IAnazer> current;
+
 private:
     Host* m_host;
+    std::array<QString, 3> m_status;
 };

@@ -10,13 +10,20 @@
 /// Exit statuses of trelk-cli.
 constexpr int kExitOk = 0;
 constexpr int kExitGrammar = 1;  ///< notation and definition errors
+constexpr int kExitSettings = 1; ///< a numeric setting that holds no number
 constexpr int kExitUsage = 2;
 constexpr int kExitFile = 3;
+constexpr int kExitRequire = 4;  ///< summary --require METHOD: the grammar fails METHOD
 
 /// Global options, given before the command.
 struct CliOptions {
     QString iniFile;  ///< --ini FILE: where the settings are read from
 };
+
+/// Reads the settings from --ini FILE, or from where the workbench keeps them,
+/// into the workspace; never writes them. Returns kExitOk, or reports on stderr
+/// and returns kExitSettings or (a named file that is missing) kExitFile.
+int LoadSettings(Workspace& workspace, const CliOptions& options);
 
 /// Reads GRAMMAR as File Open does and puts it into the workspace (text and
 /// path). Returns kExitOk, or reports on stderr and returns kExitFile.
@@ -26,5 +33,18 @@ int LoadGrammar(Workspace& workspace, const QString& path, QString& text);
 /// on stderr (a blank text gets its own) and kExitGrammar is returned.
 int ParseGrammar(Workspace& workspace, const QString& path, const QString& text);
 
+/// A view by number (0-11) or name (grammar symbols first basis followl followr
+/// ll slr lalr lr spr opr); -1 when it is neither.
+int ParseView(const QString& text);
+
+/// Reads GRAMMAR and runs Analyse on view as the window does; output is what the
+/// output box then shows. Returns an exit status.
+int RunView(Workspace& workspace, const QString& path, int view, QString& output, bool wantsOutput = true);
+
 // The commands; args holds what follows the command name (GRAMMAR first).
 int CmdCheck(Workspace& workspace, const CliOptions& options, const QStringList& args);
+int CmdTable(Workspace& workspace, const CliOptions& options, const QStringList& args);
+int CmdExport(Workspace& workspace, const CliOptions& options, const QStringList& args);
+int CmdSummary(Workspace& workspace, const CliOptions& options, const QStringList& args);
+int CmdView(Workspace& workspace, const CliOptions& options, const QStringList& args);
+int CmdSets(Workspace& workspace, const CliOptions& options, const QStringList& args);

@@ -12,7 +12,14 @@ namespace {
 const char kUsage[] =
     "usage: trelk-cli [--ini FILE] COMMAND GRAMMAR [ARGS]\n"
     "commands:\n"
-    "  check GRAMMAR        parse and check the grammar\n";
+    "  check GRAMMAR        parse and check the grammar\n"
+    "  view GRAMMAR VIEW    what the output box shows after Analyse on VIEW\n"
+    "  sets GRAMMAR --json  nullable marks, FIRST and the follow sets as JSON\n"
+    "  table GRAMMAR VIEW   the C text of analyser VIEW (6-11 or ll slr lalr lr spr opr)\n"
+    "  export GRAMMAR VIEW  write the export file of VIEW beside GRAMMAR, print its path\n"
+    "  summary GRAMMAR [--json] [--require METHOD]\n"
+    "                       one line per method: verdict, size, conflicts, time\n"
+    "VIEW is 0-11 or grammar symbols first basis followl followr ll slr lalr lr spr opr.\n";
 
 int Usage(const QString& problem)
 {
@@ -51,6 +58,8 @@ int main(int argc, char** argv)
     CliHost host;
     Workspace workspace(&host);
     host.setStop([&workspace] { workspace.grammar.SetInProcess(false); });
+    if (int status = LoadSettings(workspace, options))
+        return status;
 
     // name, least and most arguments after the command, handler
     struct Command {
@@ -60,6 +69,11 @@ int main(int argc, char** argv)
     };
     static const Command commands[] = {
         {"check", 1, 1, CmdCheck},
+        {"view", 2, 2, CmdView},
+        {"sets", 2, 2, CmdSets},
+        {"table", 2, 2, CmdTable},
+        {"export", 2, 2, CmdExport},
+        {"summary", 1, 4, CmdSummary},
     };
     for (const Command& c : commands) {
         if (command != QLatin1String(c.name))

@@ -3,6 +3,7 @@
 #include "storage/GrammarFile.h"
 
 #include <QFile>
+#include <QSaveFile>
 #include <QStringDecoder>
 
 namespace {
@@ -80,5 +81,20 @@ bool ReadGrammarFile(const QString& path, QString& text, QString& error)
         return false;
     }
     text = JoinGrammarLines(DecodeGrammarBytes(bytes));
+    return true;
+}
+
+bool WriteTextFile(const QString& path, const QString& text, QString& error)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        error = QStringLiteral("cannot write ") + path + QStringLiteral(": ") + file.errorString();
+        return false;
+    }
+    file.write((text + QStringLiteral("\r\n")).toUtf8());
+    if (!file.commit()) {
+        error = QStringLiteral("cannot write ") + path + QStringLiteral(": ") + file.errorString();
+        return false;
+    }
     return true;
 }

@@ -17,3 +17,7 @@ QString JoinGrammarLines(const QString& decoded);
 /// Reads a grammar text file as File Open does. On failure returns false and
 /// describes the failure in error.
 bool ReadGrammarFile(const QString& path, QString& text, QString& error);
+
+/// The text writer: writes text followed by one CR LF, UTF-8 without a byte-order
+/// mark, through QSaveFile so that a failed write leaves the old file whole.
+bool WriteTextFile(const QString& path, const QString& text, QString& error);

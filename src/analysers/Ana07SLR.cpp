@@ -1,0 +1,40 @@
+/// \file
+/// The SLR(1) analyser.
+#include "analysers/Ana07SLR.h"
+
+Ana07SLR::Ana07SLR(Workspace& workspace)
+    : LrAnalyser(workspace, workspace.slr,
+                 {GrammarFlag::AnalysedSLR, GrammarFlag::SLRVerdict, "SLR", "This Grammar Is Not SLR(1).", false})
+{
+}
+
+bool Ana07SLR::Prepare()
+{
+    Grammar& g = m_ws.grammar;
+    if (!g.GetFlag(GrammarFlag::FollowRDone)) {
+        g.SetInProcess(true);
+        g.FindFollowB();
+        g.FindFollowR();
+    }
+    return g.GetFlag(GrammarFlag::FollowRDone);
+}
+
+bool Ana07SLR::Build(const LrGrammar& lg, PassFrame& frame, ReduceList& reduces)
+{
+    Lr0Automaton automaton;
+    if (!BuildLr0(lg, frame, automaton))
+        return false;
+    const Grammar& g = lg.g;
+    reduces.assign(automaton.kernels.size(), {});
+    for (std::size_t s = 0; s < automaton.kernels.size(); ++s)
+        for (int item : lg.CompleteItems(automaton.kernels[s])) {
+            const int rule = lg.items.Rule(item);
+            const int left = g.rules[static_cast<std::size_t>(rule)][0];
+            // Under FOLLOWR of the left side, in the set's order.
+            reduces[s].emplace_back(rule, left > 0 ? g.followR[static_cast<std::size_t>(left)].Items() : std::vector<int>());
+        }
+    m_results.kernels = std::move(automaton.kernels);
+    m_results.rows = std::move(automaton.rows);
+    m_results.accessing = std::move(automaton.accessing);
+    return true;
+}

@@ -1,0 +1,13 @@
+/// \file
+/// Ana08LALR: the LALR(1) test on the LR(0) automaton, reduces under DeRemer and Pennello's LALR(1) look-aheads.
+#pragma once
+
+#include "analysers/LrAnalyser.h"
+
+class Ana08LALR final : public LrAnalyser {
+public:
+    explicit Ana08LALR(Workspace& workspace);
+
+protected:
+    bool Build(const LrGrammar& lg, PassFrame& frame, ReduceList& reduces) override;
+};

@@ -1,0 +1,80 @@
+/// \file
+/// The analysis run: readying the grammar (AnalyzeGrammar), the Analyse command
+/// for the twelve views, running one analyser with its timing, and the elapsed
+/// text. The window (or trelk-cli) supplies what only it has through an
+/// AnalysisFrontend: the grammar box, the output box, the busy state and the
+/// save handler.
+#pragma once
+
+#include "analysers/Workspace.h"
+
+#include <QString>
+#include <memory>
+
+/// The views, in the order of the view selector; views 6..11 are analysers.
+namespace View {
+constexpr int Grammar = 0;
+constexpr int Symbols = 1;
+constexpr int First = 2;
+constexpr int Basis = 3;
+constexpr int FollowL = 4;
+constexpr int FollowR = 5;
+constexpr int LL = 6;
+constexpr int SLR = 7;
+constexpr int LALR = 8;
+constexpr int LR = 9;
+constexpr int SPR = 10;
+constexpr int OPR = 11;
+constexpr int Count = 12;
+} // namespace View
+
+/// What the analysis run asks of the window that drives it.
+class AnalysisFrontend {
+public:
+    virtual ~AnalysisFrontend() = default;
+    /// The text of the grammar box, lines separated by CR LF.
+    virtual QString GrammarText() = 0;
+    /// Fills the output box and shows its beginning.
+    virtual void SetText2(const QString& text) = 0;
+    /// Busy pointer on, Stop enabled.
+    virtual void OnProcessStart() {}
+    /// Default pointer back, Stop disabled.
+    virtual void OnProcessStop() {}
+    /// The save handler behind the File menu's save entry.
+    virtual void GrammarSave() {}
+    /// False for a caller that never looks at the output box after an analyser
+    /// run (the listing of a large automaton is costly to build).
+    virtual bool WantsOutput() const { return true; }
+
+    /// The window's in-process flag: while set, the Analyse command does nothing.
+    bool processing = false;
+};
+
+/// "7,045", "2:05,045", "1:02:05,045": whole milliseconds as elapsed time, with a
+/// comma before the milliseconds whatever the locale.
+QString ElapsedText(qint64 milliseconds);
+
+/// A new analyser object for views 6..11 (null for other views).
+std::unique_ptr<IAnazer> MakeAnalyser(Workspace& workspace, int view);
+
+/// Sets the busy state; the window's own effects go through the frontend.
+void ProcessStart(Workspace& workspace, AnalysisFrontend& frontend);
+/// Clears the busy state and performs the Stop command.
+void ProcessStop(Workspace& workspace, AnalysisFrontend& frontend);
+
+/// Parses the grammar box and computes the follow sets; false when the parse
+/// failed or the user stopped. Ends with the save handler and ProcessStop.
+bool AnalyzeGrammar(Workspace& workspace, AnalysisFrontend& frontend);
+
+/// Runs one analyser: timing, the elapsed label, the stop check, ProcessStop and
+/// the save handler.
+void RunAnalyser(Workspace& workspace, AnalysisFrontend& frontend, IAnazer& analyser);
+
+/// The Analyse command for a view (0..11).
+void Analyse(Workspace& workspace, AnalysisFrontend& frontend, int view);
+
+/// The kept report of views 1..5 (the symbol listing and the set reports).
+QString ViewReport(Workspace& workspace, int view);
+
+/// The saved status texts of analyser view 6..11 (null for other views).
+SavedStatus* SavedStatusOf(Workspace& workspace, int view);

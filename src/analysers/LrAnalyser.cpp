@@ -1,0 +1,288 @@
+/// \file
+/// The frame shared by the SLR(1), LALR(1) and canonical LR(1) analysers.
+#include "analysers/LrAnalyser.h"
+
+#include "output/CTables.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace {
+const QString kEol = QStringLiteral("\r\n");
+}
+
+bool LrAnalyser::Analyze()
+{
+    Grammar& g = m_ws.grammar;
+    if (!Prepare())
+        return false;
+    if (g.GetFlag(m_kind.analysedFlag))
+        return g.GetFlag(m_kind.verdictFlag);
+    g.SetFlag(m_kind.analysedFlag, false);
+    g.SetFlag(m_kind.verdictFlag, false);
+    const SavedStatus saved = m_results.saved;
+    m_results.Reset();
+    m_results.saved = saved;
+
+    LrGrammar lg(g);
+    PassFrame frame(m_ws, *this, m_kind.showPass);
+    ReduceList reduces;
+    const bool built = Build(lg, frame, reduces);
+    g.SetFlag(m_kind.analysedFlag, built);
+    if (!built) {
+        // A stop or a limit leaves no table.
+        m_results.Reset();
+        m_results.saved = saved;
+        return false;
+    }
+
+    std::vector<SparseRow>& rows = m_results.rows;
+    const int last = static_cast<int>(rows.size()) - 1;
+    const int accept = last + 1;
+    // The accept code goes in before any reduce: the state after the goal, at the end of text.
+    const int acceptState = RowEntry(rows[0], g.goal);
+
+    // Each state's row is spread into a dense scratch row while its reduces are
+    // written, then packed again.
+    std::vector<int> dense(static_cast<std::size_t>(g.lastCode) + 1, 0);
+    std::vector<int> touched;
+    // Reduces are written from state 0 on: empty rules reduce in the start state too.
+    for (int s = 0; s <= last; ++s) {
+        SparseRow& row = rows[static_cast<std::size_t>(s)];
+        touched.clear();
+        for (const auto& [c, v] : row) {
+            dense[static_cast<std::size_t>(c)] = v;
+            touched.push_back(c);
+        }
+        if (s == acceptState && acceptState > 0) {
+            if (dense[0] == 0)
+                touched.push_back(0);
+            dense[0] = accept;
+        }
+        for (const auto& [rule, lookaheads] : reduces[static_cast<std::size_t>(s)]) {
+            if (rule == 0)
+                continue;  // <'> -> goal: the accept entry above
+            const int entry = -rule;
+            for (int t : lookaheads) {
+                int& cell = dense[static_cast<std::size_t>(t)];
+                if (cell == 0) {
+                    cell = entry;
+                    touched.push_back(t);
+                    continue;
+                }
+                // The cell keeps what it holds: a shift or an earlier reduce wins, on
+                // purpose without any precedence rule.
+                m_results.conflicts << QStringLiteral("Unable to write reduce ") + QString::number(entry)
+                                           + QStringLiteral(" in [") + QString::number(s) + QLatin1Char(',')
+                                           + QString::number(t) + QStringLiteral("].");
+            }
+        }
+        std::sort(touched.begin(), touched.end());
+        row.clear();
+        for (int c : touched) {
+            row.emplace_back(c, dense[static_cast<std::size_t>(c)]);
+            dense[static_cast<std::size_t>(c)] = 0;
+        }
+    }
+    const bool verdict = m_results.conflicts.isEmpty();
+    g.SetFlag(m_kind.verdictFlag, verdict);
+    // Both listings are built when first shown.
+    m_results.tableText.clear();
+    m_results.itemText.clear();
+    return verdict;
+}
+
+QString LrAnalyser::ExportDisplay()
+{
+    if (!m_ws.grammar.GetFlag(m_kind.analysedFlag))
+        return QString();
+    if (m_results.tableText.isEmpty())
+        m_results.tableText = BuildTableText();
+    return m_results.tableText;
+}
+
+QString LrAnalyser::ItemDisplay()
+{
+    if (!m_ws.grammar.GetFlag(m_kind.analysedFlag))
+        return QString();
+    if (m_results.itemText.isEmpty())
+        m_results.itemText = BuildItemText();
+    return m_results.itemText;
+}
+
+QString LrAnalyser::BuildTableText() const
+{
+    const Grammar& g = m_ws.grammar;
+    const std::vector<SparseRow>& rows = m_results.rows;
+    const int accept = static_cast<int>(rows.size());
+    const int width = g.maxName + 2;
+    std::vector<QString> printed(static_cast<std::size_t>(g.lastCode) + 1);
+    for (int c = 0; c <= g.lastCode; ++c)
+        printed[static_cast<std::size_t>(c)] = QStringLiteral("    ") + g.GetSymbolS(c).leftJustified(width)
+                                             + QLatin1Char(' ');
+    QString text;
+    if (!m_results.conflicts.isEmpty())
+        text += QString::fromLatin1(m_kind.verdict) + kEol;
+    for (std::size_t s = 0; s < rows.size(); ++s) {
+        text += QStringLiteral("State ") + QString::number(s) + kEol;
+        for (const auto& [c, cell] : rows[s]) {
+            text += printed[static_cast<std::size_t>(c)];
+            if (cell == accept)
+                text += QStringLiteral("accept");
+            else if (cell < 0)
+                text += QStringLiteral("reduce ") + QString::number(-cell);
+            else if (g.IsNonterminal(c))
+                text += QStringLiteral("goto ") + QString::number(cell);
+            else
+                text += QStringLiteral("shift ") + QString::number(cell);
+            text += kEol;
+        }
+    }
+    for (const QString& line : m_results.conflicts)
+        text += line + kEol;
+    return text;
+}
+
+QString LrAnalyser::BuildItemText() const
+{
+    const Grammar& g = m_ws.grammar;
+    LrGrammar lg(g);
+    const LrItems& items = lg.items;
+    const bool all = m_ws.settings.displayAllItems != 0;
+    QString text;
+    if (!m_results.conflicts.isEmpty())
+        text += QString::fromLatin1(m_kind.verdict) + kEol;
+    Lr1Closure closure(lg);
+    for (std::size_t s = 0; s < m_results.kernels.size(); ++s) {
+        const std::vector<int>& kernel = m_results.kernels[s];
+        text += QStringLiteral("State ") + QString::number(s);
+        if (s > 0)
+            text += QStringLiteral(" (") + g.GetSymbolS(m_results.accessing[s]) + QLatin1Char(')');
+        text += kEol;
+        // Look-aheads kept for this state: item -> its members.
+        std::unordered_map<int, std::vector<int>> known;
+        std::vector<TerminalSet> kernelLa;
+        if (s < m_results.lookaheads.size()) {
+            const std::vector<int>& runs = m_results.lookaheads[s];
+            for (std::size_t i = 0; i + 1 < runs.size();) {
+                const int item = runs[i];
+                const int count = runs[i + 1];
+                known[item].assign(runs.begin() + static_cast<long>(i) + 2,
+                                   runs.begin() + static_cast<long>(i) + 2 + count);
+                i += 2 + static_cast<std::size_t>(count);
+            }
+        }
+        auto line = [&](int item, const std::vector<int>* la) {
+            text += QStringLiteral("    ") + items.Text(g, item);
+            if (la) {
+                text += QStringLiteral(" ,");
+                for (int t : *la)
+                    text += QLatin1Char(' ') + g.GetSymbolS(t);
+            }
+            text += kEol;
+        };
+        for (int item : kernel) {
+            auto it = known.find(item);
+            line(item, it == known.end() ? nullptr : &it->second);
+        }
+        if (!all)
+            continue;
+        // Every item of the closure; with kernel look-aheads for all kernel items
+        // (canonical LR(1)) the closure's look-aheads follow from them.
+        bool kernelComplete = !known.empty();
+        for (int item : kernel)
+            if (!known.count(item)) {
+                kernelComplete = false;
+                break;
+            }
+        if (kernelComplete) {
+            for (int item : kernel) {
+                TerminalSet set(g.terminalCount);
+                for (int t : known[item])
+                    set.Add(t);
+                kernelLa.push_back(set);
+            }
+            closure.Compute(kernel, kernelLa);
+        }
+        for (int item : lg.Closure(kernel)) {
+            if (std::binary_search(kernel.begin(), kernel.end(), item) && items.Dot(item) > 0)
+                continue;
+            if (item == items.Item(0, 0))
+                continue;
+            std::vector<int> la;
+            const std::vector<int>* shown = nullptr;
+            if (kernelComplete) {
+                la = closure.Lookahead(g.rules[static_cast<std::size_t>(items.Rule(item))][0]).Members();
+                shown = &la;
+            } else if (auto it = known.find(item); it != known.end()) {
+                shown = &it->second;
+            }
+            line(item, shown);
+        }
+    }
+    return text;
+}
+
+QString LrAnalyser::TableDisplay()
+{
+    BufferSink sink;
+    WriteTable(sink);
+    return sink.Text();
+}
+
+void LrAnalyser::WriteTable(TextSink& sink)
+{
+    const Grammar& g = m_ws.grammar;
+    if (!g.GetFlag(m_kind.analysedFlag))
+        return;
+    CTables::WriteLrTable(sink, g, m_ws.settings, m_results.rows, m_results.conflicts,
+                          QString::fromLatin1(m_kind.shortName), CTables::GenerationTime());
+    if (m_ws.settings.generateRecognizer != 0)
+        sink.Write(kEol + Recognizer());
+}
+
+QString LrAnalyser::Recognizer() const
+{
+    static const char* const lines[] = {
+        "/* Sample LR recognizer.",
+        "   Call lr_recognize(tokens) with the token codes of the input (the TOK_ values),",
+        "   ended by TOK_EOT; it returns 1 when the input is a sentence of the grammar and 0",
+        "   when it is not. The stack holds states, 0 at the bottom. For the state on top",
+        "   and the look-ahead token, SYNTA says what to do: ACC accepts, a positive number",
+        "   shifts into that state, a negative one reduces by that rule (pops RLEN states,",
+        "   then goes to SYNTA[state][RSYM[rule]]), 0 is an error. */",
+        "#define LR_STACK_SIZE 4096",
+        "#define LR_MAX_STEPS 1000000L",
+        "int lr_recognize(const int *tokens)",
+        "{",
+        "    int stack[LR_STACK_SIZE];",
+        "    int top = 0, pos = 0;",
+        "    long steps = 0;",
+        "    stack[0] = 0;",
+        "    for (;;) {",
+        "        int token = tokens[pos];",
+        "        int action = (int)SYNTA[stack[top]][token];",
+        "        if (++steps > LR_MAX_STEPS) return 0; /* a cycle of unit rules */",
+        "        if (action == ACC) return 1;",
+        "        if (action > 0) {",
+        "            if (top + 1 == LR_STACK_SIZE) return 0;",
+        "            stack[++top] = action;",
+        "            /* The end marker can be shifted inside a rule (\".\"): it stays the look-ahead. */",
+        "            if (token != TOK_EOT) pos++;",
+        "        } else if (action < 0) {",
+        "            int rule = -action, go;",
+        "            top -= RLEN[rule];",
+        "            go = (int)SYNTA[stack[top]][RSYM[rule]];",
+        "            if (go <= 0 || go == ACC || top + 1 == LR_STACK_SIZE) return 0;",
+        "            stack[++top] = go;",
+        "        } else {",
+        "            return 0;",
+        "        }",
+        "    }",
+        "}",
+    };
+    QString text;
+    for (const char* line : lines)
+        text += QString::fromLatin1(line) + kEol;
+    return text;
+}

@@ -1,0 +1,59 @@
+/// \file
+/// LrAnalyser: what the three LR analysers share — the verdict frame, the
+/// accept entry, the writing of reduces with its conflict report, the two
+/// result texts and the C text. Each analyser supplies its automaton and the
+/// look-aheads of its reduces.
+#pragma once
+
+#include "analysers/IAnazer.h"
+#include "analysers/LrAutomaton.h"
+
+/// By state: the reduces of its complete items, each a rule and the look-ahead
+/// codes it is written under, in order.
+using ReduceList = std::vector<std::vector<std::pair<int, std::vector<int>>>>;
+
+class LrAnalyser : public IAnazer {
+public:
+    bool InProcess() const override { return m_inProcess; }
+    void SetInProcess(bool value) override { m_inProcess = value; }
+    bool Analyze() override;
+    QString TableDisplay() override;
+    /// The C text streamed: tables of large grammars run to tens of megabytes.
+    void WriteTable(TextSink& sink) override;
+    /// The table listing (verdict, actions per state, refused reduces).
+    QString ExportDisplay() override;
+    /// The item-set listing (kernel items, or every item with "DisplayAllItems").
+    QString ItemDisplay();
+
+protected:
+    struct Kind {
+        int analysedFlag;   ///< grammar flag: this analysis has run
+        int verdictFlag;    ///< grammar flag: the grammar passes it
+        const char* shortName;  ///< "SLR", "LALR", "LR"
+        const char* verdict;    ///< "This Grammar Is Not SLR(1)." etc.
+        bool showPass;          ///< writes "Pass: N"
+    };
+    LrAnalyser(Workspace& workspace, LrResults& results, const Kind& kind)
+        : m_ws(workspace)
+        , m_results(results)
+        , m_kind(kind)
+    {
+    }
+
+    /// Makes sure the sets the analyser needs exist; false when they cannot be had.
+    virtual bool Prepare() { return true; }
+    /// Builds the automaton into the results (kernels, rows, accessing, and the
+    /// look-ahead runs where the method has them) and the reduces of every state.
+    virtual bool Build(const LrGrammar& lg, PassFrame& frame, ReduceList& reduces) = 0;
+
+    Workspace& m_ws;
+    LrResults& m_results;
+
+private:
+    QString BuildTableText() const;
+    QString BuildItemText() const;
+    QString Recognizer() const;
+
+    Kind m_kind;
+    bool m_inProcess = false;
+};

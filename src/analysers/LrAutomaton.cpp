@@ -1,0 +1,514 @@
+/// \file
+/// LR(0) and canonical LR(1) automata, the pass frame, and LALR(1) look-aheads.
+#include "analysers/LrAutomaton.h"
+
+#include "analysers/AnalysisRun.h"
+#include "grammar/Digraph.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+std::vector<int> TerminalSet::Members() const
+{
+    std::vector<int> members;
+    for (std::size_t w = 0; w < m_words.size(); ++w) {
+        std::uint64_t bits = m_words[w];
+        while (bits) {
+            const int b = __builtin_ctzll(bits);
+            members.push_back(static_cast<int>(w * 64) + b);
+            bits &= bits - 1;
+        }
+    }
+    return members;
+}
+
+// ---- The pass frame ----------------------------------------------------------
+
+PassFrame::PassFrame(Workspace& workspace, IAnazer& analyser, bool showPass)
+    : m_ws(workspace)
+    , m_analyser(analyser)
+    , m_showPass(showPass)
+{
+    m_started.start();
+}
+
+bool PassFrame::Run(const std::function<void(int)>& expand, const std::function<int()>& count)
+{
+    const int maxCycle = m_ws.settings.maxCycle;
+    auto overflow = [&] {
+        m_ws.host().okCancel(QStringLiteral("DFA States Overflow."));
+        return false;
+    };
+    int pass = 1;
+    if (m_showPass)
+        m_ws.SetStatus(StatusField::Pass, QStringLiteral("Pass: 1"));
+    expand(0);
+    int first = 1;
+    int last = count() - 1;
+    for (;;) {
+        m_ws.SetStatus(StatusField::Elapsed, ElapsedText(m_started.elapsed()));
+        const int previousLast = last;
+        const QString range = QStringLiteral(" (") + QString::number(first) + QLatin1Char('-') + QString::number(last)
+                            + QLatin1Char(')');
+        for (int s = first; s <= last; ++s) {
+            m_ws.SetStatus(StatusField::State, QString::number(s) + range);
+            expand(s);
+            // The limit is tested after the pass; stopping the pass as soon as it is
+            // passed gives the same answer without building thousands of states more.
+            if (count() - 1 > kMaxDfaState)
+                return overflow();
+        }
+        const int newLast = count() - 1;
+        if (newLast == previousLast)
+            return true;
+        first = previousLast + 1;
+        last = newLast;
+        // On purpose the pass limit is compared with the first state of the next
+        // pass, not with a count of passes.
+        if (first > maxCycle) {
+            m_ws.host().okCancel(QStringLiteral("Cycles Overflow."));
+            return false;
+        }
+        m_ws.host().yield();
+        if (!m_analyser.InProcess())
+            return false;
+        ++pass;
+        if (m_showPass)
+            m_ws.SetStatus(StatusField::Pass, QStringLiteral("Pass: ") + QString::number(pass));
+    }
+}
+
+// ---- Grammar data of the builders --------------------------------------------
+
+LrGrammar::LrGrammar(const Grammar& grammar)
+    : g(grammar)
+    , items(grammar)
+{
+    const int n = g.lastCode;
+    const int t = g.terminalCount;
+    m_mark.assign(static_cast<std::size_t>(n) + 1, 0);
+
+    // Left corners: the non-terminals reachable through first symbols.
+    leftCorners.resize(static_cast<std::size_t>(n) + 1);
+    std::vector<int> seen(static_cast<std::size_t>(n) + 1, -1);
+    for (int a = g.firstNonterminal; a <= n; ++a) {
+        std::vector<int>& list = leftCorners[static_cast<std::size_t>(a)];
+        list.push_back(a);
+        seen[static_cast<std::size_t>(a)] = a;
+        for (std::size_t i = 0; i < list.size(); ++i)
+            for (int r : items.RulesOf(list[i])) {
+                const int x = items.Next(items.Item(r, 0));
+                if (x >= g.firstNonterminal && seen[static_cast<std::size_t>(x)] != a) {
+                    seen[static_cast<std::size_t>(x)] = a;
+                    list.push_back(x);
+                }
+            }
+    }
+
+    // FIRST over terminals and the end marker: the grammar's FIRST, plus the end
+    // marker where a "." can come first.
+    first.assign(static_cast<std::size_t>(n) + 1, TerminalSet(t));
+    for (int c = 0; c <= t; ++c)
+        first[static_cast<std::size_t>(c)].Add(c);
+    std::vector<char> endFirst(static_cast<std::size_t>(n) + 1, 0);
+    for (bool changed = true; changed;) {
+        changed = false;
+        for (int r = 1; r <= g.ruleCount; ++r) {
+            const std::size_t a = static_cast<std::size_t>(g.rules[static_cast<std::size_t>(r)][0]);
+            if (endFirst[a])
+                continue;
+            for (int d = 0; d < items.Length(r); ++d) {
+                const int x = items.Next(items.Item(r, d));
+                if (x == 0 || (g.IsNonterminal(x) && endFirst[static_cast<std::size_t>(x)])) {
+                    endFirst[a] = 1;
+                    changed = true;
+                    break;
+                }
+                if (!g.IsNonterminal(x) || !g.nullable[static_cast<std::size_t>(x)])
+                    break;
+            }
+        }
+    }
+    for (int a = g.firstNonterminal; a <= n; ++a) {
+        TerminalSet& set = first[static_cast<std::size_t>(a)];
+        for (int x : g.first[static_cast<std::size_t>(a)])
+            set.Add(x);
+        if (endFirst[static_cast<std::size_t>(a)])
+            set.Add(0);
+    }
+
+    // FIRST and nullability of what stands behind the next symbol of each item.
+    tailFirst.assign(static_cast<std::size_t>(items.Count()), TerminalSet());
+    tailNullable.assign(static_cast<std::size_t>(items.Count()), 0);
+    for (int r = 0; r <= g.ruleCount; ++r) {
+        const int length = items.Length(r);
+        TerminalSet tail(t);
+        bool nullable = true;
+        // Walk backwards: the tail of item d is the right side from position d + 2.
+        for (int d = length - 1; d >= 0; --d) {
+            const int item = items.Item(r, d);
+            tailFirst[static_cast<std::size_t>(item)] = tail;
+            tailNullable[static_cast<std::size_t>(item)] = nullable ? 1 : 0;
+            const int x = items.Next(item);
+            if (g.IsNonterminal(x) && g.nullable[static_cast<std::size_t>(x)]) {
+                tail.Merge(first[static_cast<std::size_t>(x)]);
+            } else {
+                tail = first[static_cast<std::size_t>(x)];
+                nullable = false;
+            }
+        }
+    }
+}
+
+std::vector<int> LrGrammar::ClosureNonterminals(const std::vector<int>& kernel) const
+{
+    if (++m_stamp == 0) {
+        std::fill(m_mark.begin(), m_mark.end(), 0);
+        m_stamp = 1;
+    }
+    std::vector<int> result;
+    for (int item : kernel) {
+        const int b = items.Next(item);
+        if (b < g.firstNonterminal || m_mark[static_cast<std::size_t>(b)] == m_stamp)
+            continue;
+        for (int c : leftCorners[static_cast<std::size_t>(b)])
+            if (m_mark[static_cast<std::size_t>(c)] != m_stamp) {
+                m_mark[static_cast<std::size_t>(c)] = m_stamp;
+                result.push_back(c);
+            }
+    }
+    return result;
+}
+
+std::vector<int> LrGrammar::CompleteItems(const std::vector<int>& kernel) const
+{
+    std::vector<int> complete;
+    for (int item : kernel)
+        if (items.Complete(item))
+            complete.push_back(item);
+    for (int c : ClosureNonterminals(kernel))
+        for (int r : items.RulesOf(c))
+            if (items.Length(r) == 0)
+                complete.push_back(items.Item(r, 0));
+    return complete;
+}
+
+std::vector<int> LrGrammar::Closure(const std::vector<int>& kernel) const
+{
+    std::vector<int> all = kernel;
+    std::vector<int> added;
+    for (int c : ClosureNonterminals(kernel))
+        for (int r : items.RulesOf(c))
+            added.push_back(items.Item(r, 0));
+    std::sort(added.begin(), added.end());
+    all.insert(all.end(), added.begin(), added.end());
+    return all;
+}
+
+// ---- LR(0) ---------------------------------------------------------------------
+
+namespace {
+
+struct KeyHash {
+    std::size_t operator()(const std::vector<int>& key) const noexcept
+    {
+        std::size_t h = key.size() * 0x9E3779B97F4A7C15ull;
+        for (int v : key)
+            h = (h ^ static_cast<std::size_t>(static_cast<unsigned>(v))) * 0x100000001B3ull;
+        return h;
+    }
+};
+
+struct WordsHash {
+    std::size_t operator()(const std::vector<std::uint64_t>& key) const noexcept
+    {
+        std::size_t h = key.size() * 0x9E3779B97F4A7C15ull;
+        for (std::uint64_t v : key)
+            h = (h ^ v) * 0x100000001B3ull;
+        return h;
+    }
+};
+
+} // namespace
+
+bool BuildLr0(const LrGrammar& lg, PassFrame& frame, Lr0Automaton& a)
+{
+    const LrItems& items = lg.items;
+    const std::size_t codes = static_cast<std::size_t>(lg.g.lastCode) + 1;
+    a = Lr0Automaton();
+    std::unordered_map<std::vector<int>, int, KeyHash> index;
+    auto add = [&](std::vector<int> kernel, int symbol) {
+        auto [it, inserted] = index.try_emplace(kernel, static_cast<int>(a.kernels.size()));
+        if (inserted) {
+            a.kernels.push_back(std::move(kernel));
+            a.rows.emplace_back();
+            a.accessing.push_back(symbol);
+        }
+        return it->second;
+    };
+    add({items.Item(0, 0)}, -2);
+
+    std::vector<std::vector<int>> bucket(codes);
+    std::vector<int> touched;
+    auto expand = [&](int s) {
+        const std::vector<int> kernel = a.kernels[static_cast<std::size_t>(s)];
+        auto put = [&](int symbol, int item) {
+            std::vector<int>& b = bucket[static_cast<std::size_t>(symbol)];
+            if (b.empty())
+                touched.push_back(symbol);
+            b.push_back(item);
+        };
+        for (int item : kernel)
+            if (!items.Complete(item))
+                put(items.Next(item), item + 1);
+        for (int nt : lg.ClosureNonterminals(kernel))
+            for (int r : items.RulesOf(nt))
+                if (items.Length(r) > 0) {
+                    const int c = items.Item(r, 0);
+                    put(items.Next(c), c + 1);
+                }
+        std::sort(touched.begin(), touched.end());
+        for (int x : touched) {
+            std::vector<int>& b = bucket[static_cast<std::size_t>(x)];
+            std::sort(b.begin(), b.end());
+            const int target = add(b, x);
+            a.rows[static_cast<std::size_t>(s)].emplace_back(x, target);  // codes ascend
+            b.clear();
+        }
+        touched.clear();
+    };
+    return frame.Run(expand, [&] { return static_cast<int>(a.kernels.size()); });
+}
+
+// ---- LALR(1) look-aheads -------------------------------------------------------
+
+bool ComputeLalrLookaheads(const LrGrammar& lg, const Lr0Automaton& a, Workspace& ws, IAnazer& analyser,
+                           ReduceLookaheads& result)
+{
+    const Grammar& g = lg.g;
+    const LrItems& items = lg.items;
+    const int states = static_cast<int>(a.kernels.size());
+    const int t = g.terminalCount;
+
+    // The non-terminal transitions (p, A), numbered; by state, their first number.
+    std::vector<int> from, symbol;
+    std::vector<int> start(static_cast<std::size_t>(states) + 1, 0);
+    for (int p = 0; p < states; ++p) {
+        start[static_cast<std::size_t>(p)] = static_cast<int>(from.size());
+        for (const auto& [x, target] : a.rows[static_cast<std::size_t>(p)])
+            if (x >= g.firstNonterminal) {
+                from.push_back(p);
+                symbol.push_back(x);
+            }
+    }
+    start[static_cast<std::size_t>(states)] = static_cast<int>(from.size());
+    const int transitions = static_cast<int>(from.size());
+    auto transition = [&](int p, int x) {
+        const auto b = symbol.begin() + start[static_cast<std::size_t>(p)];
+        const auto e = symbol.begin() + start[static_cast<std::size_t>(p) + 1];
+        return static_cast<int>(std::lower_bound(b, e, x) - symbol.begin());
+    };
+
+    // DR(p, A): the terminals shifted from the state that (p, A) leads to; the end
+    // marker is read after the goal from state 0, where the parse accepts.
+    // reads: (p, A) reads (r, C) when p --A--> r --C--> and C is nullable.
+    std::vector<TerminalSet> sets(static_cast<std::size_t>(transitions), TerminalSet(t));
+    std::vector<std::vector<int>> reads(static_cast<std::size_t>(transitions));
+    for (int x = 0; x < transitions; ++x) {
+        const int r = RowEntry(a.rows[static_cast<std::size_t>(from[static_cast<std::size_t>(x)])],
+                               symbol[static_cast<std::size_t>(x)]);
+        TerminalSet& dr = sets[static_cast<std::size_t>(x)];
+        if (from[static_cast<std::size_t>(x)] == 0 && symbol[static_cast<std::size_t>(x)] == g.goal)
+            dr.Add(0);
+        for (const auto& [c, target] : a.rows[static_cast<std::size_t>(r)]) {
+            if (c <= t)
+                dr.Add(c);
+            else if (g.nullable[static_cast<std::size_t>(c)])
+                reads[static_cast<std::size_t>(x)].push_back(transition(r, c));
+        }
+    }
+    auto tick = [&] {
+        ws.host().yield();
+        return analyser.InProcess();
+    };
+    if (!Digraph(0, transitions - 1, [&](int x) -> const std::vector<int>& { return reads[static_cast<std::size_t>(x)]; },
+                 sets, tick))
+        return false;
+
+    // includes: (p', B) includes (p, A) when A -> beta B gamma, gamma nullable and
+    // p --beta--> p'. lookback: (q, A -> omega) looks back to (p, A) when p --omega--> q.
+    // [DeRemer & Pennello 1982, section 4.] Walking every rule of A from p gives both.
+    std::vector<std::vector<int>> includes(static_cast<std::size_t>(transitions));
+    std::unordered_map<std::uint64_t, std::vector<int>> lookback;  // key: state * (R + 1) + rule
+    const std::uint64_t rules = static_cast<std::uint64_t>(g.ruleCount) + 1;
+    for (int x = 0; x < transitions; ++x) {
+        const int p = from[static_cast<std::size_t>(x)];
+        for (int r : items.RulesOf(symbol[static_cast<std::size_t>(x)])) {
+            int q = p;
+            for (int d = 0; d < items.Length(r); ++d) {
+                const int item = items.Item(r, d);
+                const int y = items.Next(item);
+                if (g.IsNonterminal(y) && lg.tailNullable[static_cast<std::size_t>(item)])
+                    includes[static_cast<std::size_t>(transition(q, y))].push_back(x);
+                q = RowEntry(a.rows[static_cast<std::size_t>(q)], y);
+            }
+            lookback[static_cast<std::uint64_t>(q) * rules + static_cast<std::uint64_t>(r)].push_back(x);
+        }
+    }
+    if (!Digraph(0, transitions - 1,
+                 [&](int x) -> const std::vector<int>& { return includes[static_cast<std::size_t>(x)]; }, sets, tick))
+        return false;
+
+    // LA(q, A -> omega): the union of Follow over the lookbacks.
+    result.assign(static_cast<std::size_t>(states), {});
+    for (int q = 0; q < states; ++q) {
+        for (int item : lg.CompleteItems(a.kernels[static_cast<std::size_t>(q)])) {
+            const int r = items.Rule(item);
+            TerminalSet la(t);
+            auto it = lookback.find(static_cast<std::uint64_t>(q) * rules + static_cast<std::uint64_t>(r));
+            if (it != lookback.end())
+                for (int x : it->second)
+                    la.Merge(sets[static_cast<std::size_t>(x)]);
+            result[static_cast<std::size_t>(q)].emplace_back(r, std::move(la));
+        }
+    }
+    return true;
+}
+
+// ---- Canonical LR(1) -----------------------------------------------------------
+
+Lr1Closure::Lr1Closure(const LrGrammar& lg)
+    : m_lg(lg)
+    , m_la(static_cast<std::size_t>(lg.g.lastCode) + 1, TerminalSet(lg.g.terminalCount))
+    , m_queued(static_cast<std::size_t>(lg.g.lastCode) + 1, 0)
+{
+}
+
+const std::vector<int>& Lr1Closure::Compute(const std::vector<int>& kernel, const std::vector<TerminalSet>& kernelLa)
+{
+    const Grammar& g = m_lg.g;
+    const LrItems& items = m_lg.items;
+    m_nts = m_lg.ClosureNonterminals(kernel);
+    for (int c : m_nts)
+        m_la[static_cast<std::size_t>(c)].Clear();
+    // [A -> alpha . B beta, L] gives B the look-aheads FIRST(beta), and L when beta is nullable.
+    for (std::size_t i = 0; i < kernel.size(); ++i) {
+        const int item = kernel[i];
+        const int b = items.Next(item);
+        if (b < g.firstNonterminal)
+            continue;
+        TerminalSet& target = m_la[static_cast<std::size_t>(b)];
+        target.Merge(m_lg.tailFirst[static_cast<std::size_t>(item)]);
+        if (m_lg.tailNullable[static_cast<std::size_t>(item)])
+            target.Merge(kernelLa[i]);
+    }
+    // The same inside the closure: the FIRST part once, the look-ahead part until stable.
+    for (int c : m_nts)
+        for (int r : items.RulesOf(c)) {
+            const int item = items.Item(r, 0);
+            const int d = items.Next(item);
+            if (d >= g.firstNonterminal)
+                m_la[static_cast<std::size_t>(d)].Merge(m_lg.tailFirst[static_cast<std::size_t>(item)]);
+        }
+    m_work = m_nts;
+    for (int c : m_nts)
+        m_queued[static_cast<std::size_t>(c)] = 1;
+    while (!m_work.empty()) {
+        const int c = m_work.back();
+        m_work.pop_back();
+        m_queued[static_cast<std::size_t>(c)] = 0;
+        for (int r : items.RulesOf(c)) {
+            const int item = items.Item(r, 0);
+            const int d = items.Next(item);
+            if (d < g.firstNonterminal || d == c || !m_lg.tailNullable[static_cast<std::size_t>(item)])
+                continue;
+            if (m_la[static_cast<std::size_t>(d)].Merge(m_la[static_cast<std::size_t>(c)])
+                && !m_queued[static_cast<std::size_t>(d)]) {
+                m_queued[static_cast<std::size_t>(d)] = 1;
+                m_work.push_back(d);
+            }
+        }
+    }
+    return m_nts;
+}
+
+bool BuildLr1(const LrGrammar& lg, PassFrame& frame, Lr1Automaton& a)
+{
+    const Grammar& g = lg.g;
+    const LrItems& items = lg.items;
+    const int t = g.terminalCount;
+    const std::size_t codes = static_cast<std::size_t>(g.lastCode) + 1;
+    a = Lr1Automaton();
+
+    // A state is named by its kernel items and their look-ahead words, side by side.
+    std::unordered_map<std::vector<std::uint64_t>, int, WordsHash> index;
+    std::vector<std::uint64_t> key;
+    auto add = [&](std::vector<int>&& kernel, std::vector<TerminalSet>&& las, int symbol) {
+        key.clear();
+        for (std::size_t i = 0; i < kernel.size(); ++i) {
+            key.push_back(static_cast<std::uint64_t>(kernel[i]));
+            const auto& words = las[i].Words();
+            key.insert(key.end(), words.begin(), words.end());
+        }
+        auto [it, inserted] = index.try_emplace(key, static_cast<int>(a.kernels.size()));
+        if (inserted) {
+            a.kernels.push_back(std::move(kernel));
+            a.lookaheads.push_back(std::move(las));
+            a.rows.emplace_back();
+            a.accessing.push_back(symbol);
+        }
+        return it->second;
+    };
+    {
+        TerminalSet end(t);
+        end.Add(0);
+        add({items.Item(0, 0)}, {end}, -2);
+    }
+
+    Lr1Closure closure(lg);
+    struct Entry {
+        int item;
+        const TerminalSet* la;
+    };
+    std::vector<std::vector<Entry>> bucket(codes);
+    std::vector<int> touched;
+
+    auto expand = [&](int s) {
+        const std::vector<int> kernel = a.kernels[static_cast<std::size_t>(s)];
+        const std::vector<TerminalSet> kernelLa = a.lookaheads[static_cast<std::size_t>(s)];
+        const std::vector<int>& nts = closure.Compute(kernel, kernelLa);
+        auto put = [&](int symbol, int item, const TerminalSet* set) {
+            std::vector<Entry>& b = bucket[static_cast<std::size_t>(symbol)];
+            if (b.empty())
+                touched.push_back(symbol);
+            b.push_back({item, set});
+        };
+        for (std::size_t i = 0; i < kernel.size(); ++i)
+            if (!items.Complete(kernel[i]))
+                put(items.Next(kernel[i]), kernel[i] + 1, &kernelLa[i]);
+        for (int nt : nts)
+            for (int r : items.RulesOf(nt))
+                if (items.Length(r) > 0) {
+                    const int c = items.Item(r, 0);
+                    put(items.Next(c), c + 1, &closure.Lookahead(nt));
+                }
+        std::sort(touched.begin(), touched.end());
+        for (int x : touched) {
+            std::vector<Entry>& b = bucket[static_cast<std::size_t>(x)];
+            std::sort(b.begin(), b.end(), [](const Entry& l, const Entry& r) { return l.item < r.item; });
+            std::vector<int> next;
+            std::vector<TerminalSet> nextLa;
+            next.reserve(b.size());
+            nextLa.reserve(b.size());
+            for (const Entry& e : b) {
+                next.push_back(e.item);
+                nextLa.push_back(*e.la);
+            }
+            const int target = add(std::move(next), std::move(nextLa), x);
+            a.rows[static_cast<std::size_t>(s)].emplace_back(x, target);  // codes ascend
+            b.clear();
+        }
+        touched.clear();
+    };
+    return frame.Run(expand, [&] { return static_cast<int>(a.kernels.size()); });
+}

@@ -1,0 +1,150 @@
+/// \file
+/// The automata of the LR analysers: the LR(0) automaton (SLR(1) and LALR(1)
+/// stand on it), DeRemer and Pennello's LALR(1) look-aheads, and the canonical
+/// LR(1) automaton of Knuth. All three are built state by state in passes: the
+/// pass frame shows progress, enforces the state and pass limits, and gives
+/// the message loop a turn once per pass.
+#pragma once
+
+#include "analysers/IAnazer.h"
+#include "analysers/LrItems.h"
+#include "analysers/Workspace.h"
+
+#include <QElapsedTimer>
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+/// A dense set of terminal codes 0..T (0 is the end marker).
+class TerminalSet {
+public:
+    TerminalSet() = default;
+    explicit TerminalSet(int terminals)
+        : m_words((static_cast<std::size_t>(terminals) + 64) / 64, 0)
+    {
+    }
+    void Add(int t) { m_words[static_cast<std::size_t>(t) >> 6] |= std::uint64_t{1} << (t & 63); }
+    bool Contains(int t) const { return (m_words[static_cast<std::size_t>(t) >> 6] >> (t & 63)) & 1; }
+    /// Adds every member of other; true when anything was new.
+    bool Merge(const TerminalSet& other)
+    {
+        std::uint64_t added = 0;
+        for (std::size_t i = 0; i < m_words.size(); ++i) {
+            const std::uint64_t before = m_words[i];
+            m_words[i] |= other.m_words[i];
+            added |= m_words[i] ^ before;
+        }
+        return added != 0;
+    }
+    bool IsEmpty() const
+    {
+        for (std::uint64_t w : m_words)
+            if (w)
+                return false;
+        return true;
+    }
+    void Clear() { std::fill(m_words.begin(), m_words.end(), 0); }
+    /// The members in ascending order.
+    std::vector<int> Members() const;
+    const std::vector<std::uint64_t>& Words() const { return m_words; }
+    friend bool operator==(const TerminalSet& a, const TerminalSet& b) { return a.m_words == b.m_words; }
+
+private:
+    std::vector<std::uint64_t> m_words;
+};
+
+/// The state limit of every LR automaton.
+constexpr int kMaxDfaState = 10000;
+
+/// The pass loop shared by the LR analysers. Call Run after making state 0.
+class PassFrame {
+public:
+    /// showPass: write "Pass: N" into the pass label (LALR(1)).
+    PassFrame(Workspace& workspace, IAnazer& analyser, bool showPass);
+
+    /// Expands state 0, then every state of each pass; expand(s) appends the new
+    /// states it finds, count() tells how many there are. True when the
+    /// automaton is complete; false after Stop or a limit (the message shown).
+    bool Run(const std::function<void(int)>& expand, const std::function<int()>& count);
+
+private:
+    Workspace& m_ws;
+    IAnazer& m_analyser;
+    bool m_showPass;
+    QElapsedTimer m_started;
+};
+
+/// The LR(0) automaton: states are kernels of item sets.
+struct Lr0Automaton {
+    std::vector<std::vector<int>> kernels;  ///< by state: its kernel items, ascending
+    std::vector<SparseRow> rows;            ///< by state: the transitions, by code
+    std::vector<int> accessing;             ///< by state: the symbol that leads into it (-2 for state 0)
+};
+
+/// The canonical LR(1) automaton: a kernel item stands with its look-ahead set.
+struct Lr1Automaton {
+    std::vector<std::vector<int>> kernels;              ///< by state: kernel items, ascending
+    std::vector<std::vector<TerminalSet>> lookaheads;   ///< by state, parallel to kernels
+    std::vector<SparseRow> rows;                        ///< as in Lr0Automaton
+    std::vector<int> accessing;
+};
+
+/// Grammar data the builders share: items, left corners, FIRST with the end marker.
+class LrGrammar {
+public:
+    explicit LrGrammar(const Grammar& g);
+
+    const Grammar& g;
+    LrItems items;
+    /// by non-terminal: the non-terminals that can begin it (itself included), in a fixed order.
+    std::vector<std::vector<int>> leftCorners;
+    /// by code: FIRST as a terminal set (terminals: themselves; the end marker written
+    /// as "." in a rule counts as a terminal here).
+    std::vector<TerminalSet> first;
+    /// by item: FIRST of the symbols after the next one, and whether they are all nullable.
+    std::vector<TerminalSet> tailFirst;
+    std::vector<char> tailNullable;
+
+    /// The items of a closure that are complete: kernel items at their end and the
+    /// empty rules of the non-terminals the kernel can begin with.
+    std::vector<int> CompleteItems(const std::vector<int>& kernel) const;
+    /// Every item of the closure of a kernel, kernel first, then by rule.
+    std::vector<int> Closure(const std::vector<int>& kernel) const;
+    /// The non-terminals whose rules the closure of a kernel adds.
+    std::vector<int> ClosureNonterminals(const std::vector<int>& kernel) const;
+
+private:
+    mutable std::vector<unsigned> m_mark;
+    mutable unsigned m_stamp = 0;
+};
+
+/// Builds the LR(0) automaton through the pass frame. False after Stop or a limit.
+bool BuildLr0(const LrGrammar& lg, PassFrame& frame, Lr0Automaton& automaton);
+
+/// LALR(1) look-aheads of every reduce of an LR(0) automaton, by DeRemer and
+/// Pennello's relations. Result: by state, the pairs (rule, look-ahead set) of
+/// its complete items, in the order of CompleteItems. False when stopped.
+using ReduceLookaheads = std::vector<std::vector<std::pair<int, TerminalSet>>>;
+bool ComputeLalrLookaheads(const LrGrammar& lg, const Lr0Automaton& automaton, Workspace& workspace,
+                           IAnazer& analyser, ReduceLookaheads& result);
+
+/// The closure of an LR(1) kernel: its non-terminals, each with one look-ahead
+/// set that all its items share (seeded by the kernel items, then spread along
+/// the left corners while what follows is nullable).
+class Lr1Closure {
+public:
+    explicit Lr1Closure(const LrGrammar& lg);
+    /// Computes the closure; returns its non-terminals.
+    const std::vector<int>& Compute(const std::vector<int>& kernel, const std::vector<TerminalSet>& kernelLa);
+    const TerminalSet& Lookahead(int nonterminal) const { return m_la[static_cast<std::size_t>(nonterminal)]; }
+
+private:
+    const LrGrammar& m_lg;
+    std::vector<int> m_nts;
+    std::vector<TerminalSet> m_la;
+    std::vector<char> m_queued;
+    std::vector<int> m_work;
+};
+
+/// Builds the canonical LR(1) automaton through the pass frame.
+bool BuildLr1(const LrGrammar& lg, PassFrame& frame, Lr1Automaton& automaton);

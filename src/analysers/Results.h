@@ -1,0 +1,111 @@
+/// \file
+/// The kept results of the analysers: tables as data (read by the grid, the C
+/// generator, the compiled grammar file and the JSON output) and texts.
+#pragma once
+
+#include "grammar/Grammar.h"
+
+#include <QString>
+#include <QStringList>
+#include <unordered_map>
+#include <vector>
+
+/// The three status texts copied from the window's labels after a run.
+struct SavedStatus {
+    QString state;
+    QString pass;
+    QString elapsed;
+};
+
+/// The LL(1) syntax table SYNTA: rows 0..N (the stack symbol), columns 0..T
+/// (the look-ahead, 0 = end of text). A cell is empty, "ACC", "POP", or one or
+/// more rule numbers in the order entered (more than one is a conflict).
+class LLTable {
+public:
+    static constexpr int kEmpty = 0;
+    static constexpr int kAcc = -1;
+    static constexpr int kPop = -2;
+
+    void Reset(int rows, int columns);
+    void Clear() { Reset(0, 0); }
+    int Rows() const { return m_rows; }
+    int Columns() const { return m_columns; }
+
+    /// Enters rule r; returns false when the cell already held something (a conflict).
+    bool Enter(int row, int column, int r);
+    void Set(int row, int column, int code) { m_first[Index(row, column)] = code; }
+    /// kEmpty, kAcc, kPop or the first rule entered.
+    int First(int row, int column) const { return m_first[Index(row, column)]; }
+    /// Every rule entered into the cell, in order (empty for ACC/POP/empty cells).
+    std::vector<int> Entries(int row, int column) const;
+    bool IsConflict(int row, int column) const { return m_more.count(Index(row, column)) != 0; }
+    /// "", "ACC", "POP", "7" or "2, 5".
+    QString CellText(int row, int column) const;
+    int ConflictCount() const { return static_cast<int>(m_more.size()); }
+
+    friend bool operator==(const LLTable& a, const LLTable& b)
+    {
+        return a.m_rows == b.m_rows && a.m_columns == b.m_columns && a.m_first == b.m_first && a.m_more == b.m_more;
+    }
+
+private:
+    std::size_t Index(int row, int column) const
+    {
+        return static_cast<std::size_t>(row) * static_cast<std::size_t>(m_columns) + static_cast<std::size_t>(column);
+    }
+    int m_rows = 0;
+    int m_columns = 0;
+    std::vector<int> m_first;                               ///< rows x columns, row-major
+    std::unordered_map<std::size_t, std::vector<int>> m_more; ///< conflict cells: the rules after the first
+
+};
+
+/// What the LL(1) analyser keeps between runs.
+struct LLResults {
+    LLTable synta;              ///< the syntax table
+    QString text = NotAnalyzed; ///< the result text shown and exported
+    SavedStatus saved;          ///< the status texts of the last run
+
+    void Reset()
+    {
+        synta.Clear();
+        text = NotAnalyzed;
+        saved = SavedStatus();
+    }
+};
+
+/// A row of an LR table kept sparse: (code, entry) pairs in ascending code
+/// order; an absent code has the entry 0. Dense rows of the large grammars
+/// would take tens of megabytes for cells that are mostly empty.
+using SparseRow = std::vector<std::pair<int, int>>;
+
+/// The entry of row for code (0 when absent).
+int RowEntry(const SparseRow& row, int code);
+
+/// What an LR analyser (SLR(1), LALR(1), canonical LR(1)) keeps between runs.
+/// The two texts are large for large automata; they are built from the kept
+/// data when first asked for.
+struct LrResults {
+    std::vector<std::vector<int>> kernels;     ///< by state: kernel items (numbered as LrItems does)
+    std::vector<SparseRow> rows;               ///< by state: shift/goto > 0, reduce < 0, absent 0, M+1 accept
+    std::vector<int> accessing;                ///< by state: the symbol that leads into it (-2 for state 0)
+    QStringList conflicts;                     ///< the reduces that could not be written
+    /// by state: for LALR(1) and LR(1), the look-aheads of each kernel item and
+    /// each empty rule of the closure, as "rule, count, members..." runs; empty for SLR(1).
+    std::vector<std::vector<int>> lookaheads;
+    QString tableText = NotAnalyzed;  ///< verdict and table listing ("" until built)
+    QString itemText = NotAnalyzed;   ///< verdict and item-set listing ("" until built)
+    SavedStatus saved;
+
+    int States() const { return static_cast<int>(rows.size()); }
+    void Reset()
+    {
+        kernels.clear();
+        rows.clear();
+        accessing.clear();
+        conflicts.clear();
+        lookaheads.clear();
+        tableText = itemText = NotAnalyzed;
+        saved = SavedStatus();
+    }
+};

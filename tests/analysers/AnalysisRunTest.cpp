@@ -1,0 +1,127 @@
+// The analysis run: elapsed texts, readying the grammar, running an analyser,
+// kept results, the reset of results and the texts of failure.
+#include "analysers/AnalysisRun.h"
+#include "support/GrammarSamples.h"
+#include "support/RecordingHost.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(AnalysisRun, ElapsedTextBoundaries)
+{
+    EXPECT_EQ(ElapsedText(0), QStringLiteral("0,000"));
+    EXPECT_EQ(ElapsedText(45), QStringLiteral("0,045"));
+    EXPECT_EQ(ElapsedText(7045), QStringLiteral("7,045"));
+    EXPECT_EQ(ElapsedText(59999), QStringLiteral("59,999"));
+    EXPECT_EQ(ElapsedText(60000), QStringLiteral("1:00,000"));
+    EXPECT_EQ(ElapsedText(125045), QStringLiteral("2:05,045"));
+    EXPECT_EQ(ElapsedText(3599999), QStringLiteral("59:59,999"));
+    EXPECT_EQ(ElapsedText(3600000), QStringLiteral("1:00:00,000"));
+    EXPECT_EQ(ElapsedText(3725045), QStringLiteral("1:02:05,045"));
+    EXPECT_EQ(ElapsedText(36000000 + 1), QStringLiteral("10:00:00,001"));
+}
+
+const QString kExpr = Lines({"<E>", "<E>=<T><R>", "<R>=[+]<T><R>", "<R>=", "<T>=[a]"});
+
+TEST(AnalysisRun, AnalyzeGrammarReadiesTheSetsAndStops)
+{
+    RecordingHost host;
+    Workspace ws(&host);
+    RecordingFrontend fe(kExpr);
+    ProcessStart(ws, fe);
+    EXPECT_TRUE(fe.processing);
+    EXPECT_TRUE(AnalyzeGrammar(ws, fe));
+    EXPECT_TRUE(ws.grammar.GetFlag(GrammarFlag::FollowBDone));
+    EXPECT_TRUE(ws.grammar.GetFlag(GrammarFlag::FollowLDone));
+    EXPECT_TRUE(ws.grammar.GetFlag(GrammarFlag::FollowRDone));
+    EXPECT_FALSE(ws.grammar.InProcess());
+    EXPECT_FALSE(fe.processing);
+    EXPECT_EQ(fe.stops, 1);
+    EXPECT_EQ(fe.saves, 1);
+
+    RecordingFrontend bad(Lines({"<E>", "<E>=[a"}));
+    EXPECT_FALSE(AnalyzeGrammar(ws, bad));
+    EXPECT_EQ(host.criticals, QStringList{QStringLiteral("Unclosed terminal in line 2.")});
+    EXPECT_EQ(bad.stops, 1);
+    EXPECT_EQ(bad.saves, 1);
+}
+
+TEST(AnalysisRun, ViewsOneToFiveShowTheirReports)
+{
+    Workspace ws;
+    RecordingFrontend fe(kExpr);
+    Analyse(ws, fe, 2);
+    EXPECT_EQ(fe.text2, ws.grammar.CommentedFirst());
+    EXPECT_TRUE(fe.text2.startsWith(QStringLiteral("FIRST(")));
+    Analyse(ws, fe, 4);
+    EXPECT_EQ(fe.text2, ws.grammar.CommentedFollowL());
+    Analyse(ws, fe, 1);
+    EXPECT_EQ(fe.text2, ws.grammar.CommentedSymbolsDisplay());
+    Analyse(ws, fe, 0);
+    EXPECT_EQ(fe.text2, QString());
+    EXPECT_FALSE(fe.processing);
+}
+
+TEST(AnalysisRun, AnalyserViewRunsOnceAndKeepsItsResults)
+{
+    RecordingHost host;
+    Workspace ws(&host);
+    RecordingFrontend fe(kExpr);
+    Analyse(ws, fe, 6);
+    EXPECT_TRUE(fe.text2.startsWith(QStringLiteral("SYNTA[")));
+    EXPECT_EQ(fe.text2, ws.ll.text);
+    EXPECT_TRUE(ws.grammar.GetFlag(GrammarFlag::AnalysedLL));
+    EXPECT_FALSE(fe.processing);
+    EXPECT_NE(ws.ll.saved.elapsed, QString());
+    EXPECT_EQ(ws.ll.saved.elapsed, ws.Status(StatusField::Elapsed));
+    // The elapsed label was emptied before the run and written after it.
+    ASSERT_GE(host.statuses.size(), 3u);
+    EXPECT_EQ(host.statuses[0].first, StatusField::State);
+    EXPECT_EQ(host.statuses[1], std::make_pair(StatusField::Elapsed, QString()));
+
+    // Again without a change of grammar: the kept text, no second run.
+    const auto statusesBefore = host.statuses.size();
+    fe.text2.clear();
+    Analyse(ws, fe, 6);
+    EXPECT_EQ(fe.text2, ws.ll.text);
+    EXPECT_EQ(host.statuses.size(), statusesBefore);
+    EXPECT_FALSE(fe.processing);
+
+    // The reset of results puts "Not analyzed." back and clears the analysed flag.
+    ws.ResetResults();
+    EXPECT_EQ(ws.ll.text, NotAnalyzed);
+    EXPECT_EQ(ws.ll.synta.Rows(), 0);
+    EXPECT_EQ(ws.ll.saved.elapsed, QString());
+    EXPECT_FALSE(ws.grammar.GetFlag(GrammarFlag::AnalysedLL));
+}
+
+TEST(AnalysisRun, AnUnparsableGrammarIsNotAnalysed)
+{
+    RecordingHost host;
+    Workspace ws(&host);
+    RecordingFrontend fe(Lines({"<E>", "<E>=<F>"}));
+    Analyse(ws, fe, 6);
+    EXPECT_EQ(fe.text2, QStringLiteral("Grammar isn't analized."));
+    EXPECT_EQ(host.criticals, QStringList{QStringLiteral("Non-terminal F is not defined.")});
+    EXPECT_FALSE(fe.processing);
+}
+
+TEST(AnalysisRun, AStoppedRunLeavesTheOutputEmpty)
+{
+    RecordingHost host;
+    Workspace ws(&host);
+    RecordingFrontend fe(kExpr);
+    Analyse(ws, fe, 0);
+    // Press Stop at the first turn the analyser gives the message loop.
+    host.yields = 0;
+    host.stopAfter = 1;
+    host.stop = [&] { ws.Stop(); };
+    Analyse(ws, fe, 6);
+    EXPECT_EQ(fe.text2, NotAnalyzed);  // LL keeps its previous text: it never ran to the end
+    EXPECT_FALSE(ws.grammar.GetFlag(GrammarFlag::AnalysedLL));
+    EXPECT_FALSE(fe.processing);
+    EXPECT_NE(ws.Status(StatusField::Elapsed), QString());
+}
+
+} // namespace

@@ -1,0 +1,138 @@
+#include "support/GrammarSamples.h"
+
+#include "support/TestPaths.h"
+
+#include <QFile>
+#include <QProcess>
+#include <gtest/gtest.h>
+
+QString Lines(std::initializer_list<const char*> lines)
+{
+    QStringList list;
+    for (const char* l : lines)
+        list << QString::fromUtf8(l);
+    return list.join(QStringLiteral("\r\n"));
+}
+
+std::vector<std::vector<int>> RandomSentences(const Grammar& g, int count, std::mt19937& rng)
+{
+    // The shortest terminal yield of each symbol, to end derivations.
+    const std::size_t codes = static_cast<std::size_t>(g.lastCode) + 1;
+    const int infinite = 1 << 28;
+    std::vector<int> shortest(codes, infinite);
+    std::vector<int> bestRule(codes, 0);
+    for (int c = 1; c < g.firstNonterminal; ++c)
+        shortest[static_cast<std::size_t>(c)] = 1;
+    for (bool changed = true; changed;) {
+        changed = false;
+        for (int r = 1; r <= g.ruleCount; ++r) {
+            const std::vector<int>& rule = g.rules[static_cast<std::size_t>(r)];
+            long length = 0;
+            for (std::size_t i = 1; i < rule.size(); ++i)
+                length += rule[i] == 0 ? 0 : shortest[static_cast<std::size_t>(rule[i])];
+            const std::size_t a = static_cast<std::size_t>(rule[0]);
+            if (length < shortest[a]) {
+                shortest[a] = static_cast<int>(length);
+                bestRule[a] = r;
+                changed = true;
+            }
+        }
+    }
+    std::vector<std::vector<int>> rulesOf(codes);
+    for (int r = 1; r <= g.ruleCount; ++r)
+        rulesOf[static_cast<std::size_t>(g.rules[static_cast<std::size_t>(r)][0])].push_back(r);
+
+    std::vector<std::vector<int>> sentences;
+    for (int k = 0; k < count; ++k) {
+        std::vector<int> out;
+        std::vector<std::pair<int, int>> stack{{g.goal, 0}};  // symbol, depth
+        while (!stack.empty() && out.size() < 200) {
+            auto [x, depth] = stack.back();
+            stack.pop_back();
+            if (x == 0)
+                continue;
+            if (!g.IsNonterminal(x)) {
+                out.push_back(x);
+                continue;
+            }
+            const std::vector<int>& choices = rulesOf[static_cast<std::size_t>(x)];
+            const int r = depth > 6 ? bestRule[static_cast<std::size_t>(x)]
+                                    : choices[rng() % choices.size()];
+            const std::vector<int>& rule = g.rules[static_cast<std::size_t>(r)];
+            for (std::size_t i = rule.size() - 1; i >= 1; --i)
+                stack.push_back({rule[i], depth + 1});
+        }
+        if (stack.empty())
+            sentences.push_back(out);
+    }
+    return sentences;
+}
+
+std::vector<std::vector<int>> Mutations(const Grammar& g, const std::vector<std::vector<int>>& sentences,
+                                        std::mt19937& rng)
+{
+    std::vector<std::vector<int>> result;
+    for (std::vector<int> s : sentences) {
+        const int kind = static_cast<int>(rng() % 3);
+        const int token = 1 + static_cast<int>(rng() % static_cast<unsigned>(g.terminalCount));
+        if (kind == 0 && !s.empty())
+            s.erase(s.begin() + static_cast<long>(rng() % s.size()));
+        else if (kind == 1)
+            s.insert(s.begin() + static_cast<long>(rng() % (s.size() + 1)), token);
+        else if (!s.empty())
+            s[rng() % s.size()] = token;
+        result.push_back(s);
+    }
+    return result;
+}
+
+QString CompileC(const QString& name, const QString& source, QString& errors)
+{
+    const QString dir = ScratchDir(QStringLiteral("c-") + name);
+    const QString file = dir + QStringLiteral("/") + name + QStringLiteral(".c");
+    QFile f(file);
+    if (!f.open(QIODevice::WriteOnly))
+        return QString();
+    f.write(source.toUtf8());
+    f.close();
+    const QString exe = dir + QStringLiteral("/") + name;
+    QProcess gcc;
+    gcc.start(QStringLiteral("gcc"), {QStringLiteral("-std=c99"), QStringLiteral("-Wall"), QStringLiteral("-O1"),
+                                      QStringLiteral("-o"), exe, file});
+    if (!gcc.waitForFinished(120000) || gcc.exitCode() != 0) {
+        errors = QString::fromUtf8(gcc.readAllStandardError());
+        return QString();
+    }
+    errors = QString::fromUtf8(gcc.readAllStandardError());
+    return exe;
+}
+
+QString RunProgram(const QString& program, const QString& input)
+{
+    QProcess p;
+    p.start(program, {});
+    p.write(input.toUtf8());
+    p.closeWriteChannel();
+    EXPECT_TRUE(p.waitForFinished(120000));
+    return QString::fromUtf8(p.readAllStandardOutput());
+}
+
+QString CPrologue(Grammar& g)
+{
+    return QStringLiteral("typedef int stack_t;\ntypedef int sttype;\nenum {\n") + g.CommentedSymbolsDisplay()
+         + QStringLiteral("};\n");
+}
+
+QString CDriverMain(const QString& recognizer)
+{
+    return QStringLiteral(
+               "#include <stdio.h>\n#include <stdlib.h>\n#include <string.h>\n"
+               "int main(void) {\n"
+               "    char line[65536];\n"
+               "    while (fgets(line, sizeof line, stdin)) {\n"
+               "        int tokens[4096], n = 0; char *p = line, *end;\n"
+               "        for (;;) { long v = strtol(p, &end, 10); if (end == p) break; tokens[n++] = (int)v; p = end; }\n"
+               "        tokens[n] = TOK_EOT;\n"
+               "        printf(\"%d\\n\", ")
+         + recognizer + QStringLiteral("(tokens));\n    }\n    return 0;\n}\n");
+}

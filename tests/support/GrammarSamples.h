@@ -1,0 +1,58 @@
+/// \file
+/// Test helpers over grammars: parsing small texts into a workspace, random
+/// sentences of a grammar, and compiling generated C with gcc.
+#pragma once
+
+#include "analysers/AnalysisRun.h"
+#include "support/QtPrinters.h"
+
+#include <QString>
+#include <QStringList>
+#include <random>
+#include <vector>
+
+/// Lines joined by CR LF.
+QString Lines(std::initializer_list<const char*> lines);
+
+/// A frontend for the analysis run that records what it is asked.
+class RecordingFrontend final : public AnalysisFrontend {
+public:
+    explicit RecordingFrontend(QString grammarText = QString())
+        : text(std::move(grammarText))
+    {
+    }
+    QString GrammarText() override { return text; }
+    void SetText2(const QString& t) override { text2 = t; }
+    void OnProcessStart() override { ++starts; }
+    void OnProcessStop() override { ++stops; }
+    void GrammarSave() override { ++saves; }
+
+    QString text;   ///< the grammar box
+    QString text2;  ///< the output box
+    int starts = 0, stops = 0, saves = 0;
+};
+
+/// Random sentences of the parsed grammar (terminal codes, without the end
+/// marker): leftmost derivations that choose rules at random and, past a depth,
+/// the rule that ends soonest. Grammars whose rules hold the end marker "." are
+/// not supported.
+std::vector<std::vector<int>> RandomSentences(const Grammar& g, int count, std::mt19937& rng);
+
+/// Each sentence changed a little (a token dropped, inserted or replaced): mostly not sentences.
+std::vector<std::vector<int>> Mutations(const Grammar& g, const std::vector<std::vector<int>>& sentences,
+                                        std::mt19937& rng);
+
+/// Compiles a C program with gcc into a scratch folder; returns the executable's
+/// path, or "" with the compiler's messages in errors.
+QString CompileC(const QString& name, const QString& source, QString& errors);
+
+/// Runs a program with the given standard input; returns its standard output.
+QString RunProgram(const QString& program, const QString& input);
+
+/// The C prologue that generated tables need: the element types and the token
+/// enumeration (the body of CommentedSymbolsDisplay).
+QString CPrologue(Grammar& g);
+
+/// A C main() that reads token strings, one per line (codes separated by blanks),
+/// calls recognizer(tokens) with TOK_EOT appended and prints 1 or 0 per line.
+QString CDriverMain(const QString& recognizer);
