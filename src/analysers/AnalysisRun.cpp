@@ -41,6 +41,8 @@ bool AnalyzeGrammar(Workspace& workspace, AnalysisFrontend& frontend)
             grammar.FindFollowL();
         if (grammar.InProcess())
             grammar.FindFollowR();
+        if (grammar.InProcess())
+            grammar.FindLeftAndRightSets();
         if (grammar.InProcess()) {
             grammar.SetInProcess(false);
             ready = true;
@@ -97,6 +99,10 @@ SavedStatus* SavedStatusOf(Workspace& workspace, int view)
         return &workspace.lalr.saved;
     case View::LR:
         return &workspace.lr.saved;
+    case View::SPR:
+        return &workspace.spr.saved;
+    case View::OPR:
+        return &workspace.opr.saved;
     default:
         return nullptr;
     }

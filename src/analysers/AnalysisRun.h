@@ -62,8 +62,9 @@ void ProcessStart(Workspace& workspace, AnalysisFrontend& frontend);
 /// Clears the busy state and performs the Stop command.
 void ProcessStop(Workspace& workspace, AnalysisFrontend& frontend);
 
-/// Parses the grammar box and computes the follow sets; false when the parse
-/// failed or the user stopped. Ends with the save handler and ProcessStop.
+/// Parses the grammar box and computes the follow sets and the left and right
+/// sets of the precedence methods; false when the parse failed or the user
+/// stopped. Ends with the save handler and ProcessStop.
 bool AnalyzeGrammar(Workspace& workspace, AnalysisFrontend& frontend);
 
 /// Runs one analyser: timing, the elapsed label, the stop check, ProcessStop and

@@ -7,6 +7,8 @@
 
 #include <QString>
 #include <QStringList>
+#include <array>
+#include <cstdint>
 #include <unordered_map>
 #include <vector>
 
@@ -70,6 +72,73 @@ struct LLResults {
     {
         synta.Clear();
         text = NotAnalyzed;
+        saved = SavedStatus();
+    }
+};
+
+/// A precedence relation matrix: rows and columns 0..N (simple precedence) or
+/// 0..T (operator precedence), row the left symbol, column the right one. Each
+/// cell is a list of relation codes without duplicates, in order of first
+/// insertion; two or more codes are a conflict. The codes come from the
+/// settings ("PSignLT", "PSignEQ", "PSignGT") and may be negative or equal to
+/// each other, so a cell is kept as the relations entered (two bits each, at
+/// most three: one byte a cell) and compared by their codes.
+class PrecedenceMatrix {
+public:
+    enum Relation { LT = 0, EQ = 1, GT = 2 };
+
+    /// size x size empty cells; codes[LT], codes[EQ], codes[GT] are the relation codes.
+    void Reset(int size, std::array<int, 3> codes);
+    void Clear() { Reset(0, m_codes); }
+    int Size() const { return m_size; }
+    int Code(Relation relation) const { return m_codes[static_cast<std::size_t>(relation)]; }
+
+    /// Adds the relation's code to the cell unless the code is there; true when added.
+    bool Add(int row, int column, Relation relation);
+    /// The codes of the cell in order of first insertion.
+    std::vector<int> Codes(int row, int column) const;
+    bool IsEmpty(int row, int column) const { return m_cells[Index(row, column)] == 0; }
+    bool IsConflict(int row, int column) const { return Count(m_cells[Index(row, column)]) > 1; }
+    bool HasCode(int row, int column, int code) const;
+    /// "-2, 1": the codes as signed decimals joined by ", "; "" for an empty cell.
+    QString CellText(int row, int column) const;
+    int ConflictCount() const;
+
+    /// The relation codes the matrix was made with (LT, EQ, GT).
+    const std::array<int, 3>& RelationCodes() const { return m_codes; }
+    /// The cells as stored, row-major (the compiled grammar file keeps them so).
+    const std::vector<std::uint8_t>& RawCells() const { return m_cells; }
+    /// Restores the stored cells; false (nothing changed) when their number or a
+    /// cell's encoding is not one this matrix can hold.
+    bool SetRawCells(std::vector<std::uint8_t> cells);
+
+private:
+    static int Count(std::uint8_t cell) { return cell == 0 ? 0 : (cell & 0x0C) == 0 ? 1 : (cell & 0x30) == 0 ? 2 : 3; }
+    std::size_t Index(int row, int column) const
+    {
+        return static_cast<std::size_t>(row) * static_cast<std::size_t>(m_size) + static_cast<std::size_t>(column);
+    }
+    int m_size = 0;
+    std::array<int, 3> m_codes{-2, -1, 1};
+    /// row-major; per cell up to three relations, each stored as relation + 1 in
+    /// two bits, the first entered in the lowest bits; 0 is an empty cell.
+    std::vector<std::uint8_t> m_cells;
+};
+
+/// What a precedence analyser keeps between runs (its flags and result text
+/// live in Grammar::precedence, which the precedence step writes too).
+struct PrecedenceResults {
+    PrecedenceMatrix synta;  ///< the relation matrix
+    SavedStatus saved;       ///< the status texts of the last run
+
+    /// Rows (and columns) of the matrix: N+1 or T+1; 0 before a run.
+    int Size() const { return synta.Size(); }
+    /// The codes of a cell in order of first insertion (empty for an empty cell).
+    std::vector<int> Cell(int row, int column) const { return synta.Codes(row, column); }
+
+    void Reset()
+    {
+        synta.Clear();
         saved = SavedStatus();
     }
 };

@@ -33,6 +33,11 @@ void Workspace::ResetResults()
     slr.Reset();
     lalr.Reset();
     lr.Reset();
+    spr.Reset();
+    opr.Reset();
+    PrecedenceState& p = grammar.precedence;
+    p.sprTableBuilt = p.oprTableBuilt = false;
+    p.sprText = p.oprText = NotAnalyzed;
     for (int view = GrammarFlag::AnalysedLL; view <= GrammarFlag::AnalysedOPR; ++view)
         grammar.SetFlag(view, false);
 }

@@ -43,9 +43,21 @@ public:
     LrResults slr;      ///< SLR(1)
     LrResults lalr;     ///< LALR(1)
     LrResults lr;       ///< canonical LR(1)
+    PrecedenceResults spr;  ///< simple precedence: the relation matrix over 0..N
+    PrecedenceResults opr;  ///< operator precedence: the relation matrix over 0..T
 
     /// The analyser of the last Analyse or Export on an analyser view (may be null).
     std::unique_ptr<IAnazer> current;
+
+    /// The last failure of a grammar file or compiled grammar file operation,
+    /// kept for later display: the whole report ("Error encountered: " ...),
+    /// the error number, its description and the operation ("TKCSave", "TKCRead").
+    struct FileError {
+        QString text;
+        QString number;
+        QString description;
+        QString source;
+    } lastFileError;
 
 private:
     Host* m_host;

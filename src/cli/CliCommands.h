@@ -25,8 +25,9 @@ struct CliOptions {
 /// and returns kExitSettings or (a named file that is missing) kExitFile.
 int LoadSettings(Workspace& workspace, const CliOptions& options);
 
-/// Reads GRAMMAR as File Open does and puts it into the workspace (text and
-/// path). Returns kExitOk, or reports on stderr and returns kExitFile.
+/// Reads GRAMMAR as File Open does and puts it into the workspace (text, path
+/// and the kept state of its companion .tkc). Returns kExitOk, or reports on
+/// stderr and returns kExitFile.
 int LoadGrammar(Workspace& workspace, const QString& path, QString& text);
 
 /// Parses text into the workspace's grammar; on failure the message is already
@@ -48,3 +49,4 @@ int CmdExport(Workspace& workspace, const CliOptions& options, const QStringList
 int CmdSummary(Workspace& workspace, const CliOptions& options, const QStringList& args);
 int CmdView(Workspace& workspace, const CliOptions& options, const QStringList& args);
 int CmdSets(Workspace& workspace, const CliOptions& options, const QStringList& args);
+int CmdCompile(Workspace& workspace, const CliOptions& options, const QStringList& args);

@@ -14,11 +14,18 @@ void OnInterrupt(int)
     g_interrupted = 1;
 }
 
+/// UTF-8 with every CR LF turned into LF, in one pass (texts run to megabytes).
 QByteArray Lf(const QString& text)
 {
-    QString copy = text;
-    copy.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-    return copy.toUtf8();
+    QByteArray bytes = text.toUtf8();
+    qsizetype out = 0;
+    const qsizetype size = bytes.size();
+    char* data = bytes.data();
+    for (qsizetype i = 0; i < size; ++i)
+        if (!(data[i] == '\r' && i + 1 < size && data[i + 1] == '\n'))
+            data[out++] = data[i];
+    bytes.truncate(out);
+    return bytes;
 }
 
 } // namespace

@@ -50,6 +50,22 @@ const Method kMethods[] = {
     {View::OPR, "operator precedence", "opr", "operator precedence"},
 };
 
+/// A precedence method that refused the grammar before building a table (empty
+/// rules, equal right parts, a non-terminal without a left or right set) has
+/// left its reason in its result text. True for such a refusal; reason is then
+/// the reason shortened ("" for the missing sets).
+bool PrecedenceRefusal(const Grammar& g, int view, QString& reason)
+{
+    const QString text = view == View::SPR ? g.precedence.sprText : g.precedence.oprText;
+    if (text == NotAnalyzed)
+        return false;
+    if (text.endsWith(QStringLiteral("Empty Rules Are Not Allowed.")))
+        reason = QStringLiteral("empty rules");
+    else if (text.endsWith(QStringLiteral("Rules with Equal Right Parts Are Not Allowed.")))
+        reason = QStringLiteral("equal right parts");
+    return true;
+}
+
 /// After the first Analyse: a grammar that did not parse has had its message
 /// shown (a blank file gets one here).
 int CheckParsed(const Workspace& workspace, const QString& path, const QString& text)
@@ -155,7 +171,9 @@ int CmdSummary(Workspace& workspace, const CliOptions&, const QStringList& args)
         return status;
     CliFrontend frontend(text, false);
     Grammar& g = workspace.grammar;
-    Analyse(workspace, frontend, View::Grammar);
+    // A grammar its companion restored keeps its results; any other is readied first.
+    if (!g.Parsed())
+        Analyse(workspace, frontend, View::Grammar);
     if (int status = CheckParsed(workspace, args[0], text))
         return status;
 
@@ -171,7 +189,7 @@ int CmdSummary(Workspace& workspace, const CliOptions&, const QStringList& args)
         QJsonObject o;
         o[QStringLiteral("method")] = QString::fromLatin1(m.key);
         o[QStringLiteral("analysed")] = analysed;
-        QString size, verdict;
+        QString size, verdict, refusal;
         int conflicts = 0;
         bool passes = false;
         if (!analysed) {
@@ -180,6 +198,12 @@ int CmdSummary(Workspace& workspace, const CliOptions&, const QStringList& args)
                 verdict = QStringLiteral("not LL(1): left recursion");
                 o[QStringLiteral("analysed")] = true;
                 o[QStringLiteral("passes")] = false;
+            } else if (m.view >= View::SPR && PrecedenceRefusal(g, m.view, refusal)) {
+                verdict = QStringLiteral("not ") + QString::fromLatin1(m.label);
+                o[QStringLiteral("analysed")] = true;
+                o[QStringLiteral("passes")] = false;
+                if (!refusal.isEmpty())
+                    o[QStringLiteral("reason")] = refusal;
             } else {
                 verdict = QStringLiteral("not analysed");
             }
@@ -195,6 +219,13 @@ int CmdSummary(Workspace& workspace, const CliOptions&, const QStringList& args)
             passes = conflicts == 0;
             size = QStringLiteral("%1 states").arg(r.States());
             o[QStringLiteral("states")] = r.States();
+        } else {
+            const PrecedenceMatrix& synta = m.view == View::SPR ? workspace.spr.synta : workspace.opr.synta;
+            conflicts = synta.ConflictCount();
+            passes = conflicts == 0;
+            size = QStringLiteral("table %1x%1").arg(synta.Size());
+            o[QStringLiteral("rows")] = synta.Size();
+            o[QStringLiteral("columns")] = synta.Size();
         }
         if (analysed) {
             verdict = passes ? QString::fromLatin1(m.label) : QStringLiteral("not ") + QString::fromLatin1(m.label);
@@ -210,7 +241,7 @@ int CmdSummary(Workspace& workspace, const CliOptions&, const QStringList& args)
         if (analysed)
             lines += size.leftJustified(16) + QStringLiteral("%1 conflicts").arg(conflicts).leftJustified(16);
         else
-            lines += QString(32, QLatin1Char(' '));
+            lines += refusal.leftJustified(32);
         lines += ElapsedText(ms);
         while (lines.endsWith(QLatin1Char(' ')))
             lines.chop(1);

@@ -19,6 +19,8 @@ const char kUsage[] =
     "  export GRAMMAR VIEW  write the export file of VIEW beside GRAMMAR, print its path\n"
     "  summary GRAMMAR [--json] [--require METHOD]\n"
     "                       one line per method: verdict, size, conflicts, time\n"
+    "  compile GRAMMAR      run every analysis, save GRAMMAR and its companion .tkc as\n"
+    "                       the workbench saves them, print the companion's path\n"
     "VIEW is 0-11 or grammar symbols first basis followl followr ll slr lalr lr spr opr.\n";
 
 int Usage(const QString& problem)
@@ -74,6 +76,7 @@ int main(int argc, char** argv)
         {"table", 2, 2, CmdTable},
         {"export", 2, 2, CmdExport},
         {"summary", 1, 4, CmdSummary},
+        {"compile", 1, 1, CmdCompile},
     };
     for (const Command& c : commands) {
         if (command != QLatin1String(c.name))

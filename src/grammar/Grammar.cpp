@@ -51,6 +51,7 @@ void Grammar::Clear()
         sets->assign(1, CodeList());
 
     ResetFlags();
+    precedence = PrecedenceState();
     firstReport = followBReport = followLReport = followRReport = NotAnalyzed;
     m_parsed = false;
 }

@@ -38,6 +38,22 @@ constexpr int Count = 32;
 /// The text every report and result slot holds until it is computed.
 inline const QString NotAnalyzed = QStringLiteral("Not analyzed.");
 
+/// The state of the precedence work: written by FindLeftAndRightSets and by the
+/// simple- and operator-precedence analysers, read by both analysers, the C
+/// text and the export. Reset by Clear.
+struct PrecedenceState {
+    bool sprPossible = false;    ///< cleared when the grammar cannot be simple precedence
+    bool oprPossible = false;    ///< the same for operator precedence
+    bool sprSetsDone = false;    ///< leftSet / rightSet are computed (or need not be)
+    bool oprSetsDone = false;    ///< leftTermSet / rightTermSet are computed
+    bool sprSetsValid = false;   ///< every non-terminal has a non-empty left and right set
+    bool oprSetsValid = false;   ///< every non-terminal has non-empty terminal sets
+    bool sprTableBuilt = false;  ///< the simple-precedence matrix is complete and exportable
+    bool oprTableBuilt = false;  ///< the operator-precedence matrix is complete and exportable
+    QString sprText = NotAnalyzed;  ///< the simple-precedence result text
+    QString oprText = NotAnalyzed;  ///< the operator-precedence result text
+};
+
 /// Symbol coding (shared by every part of the program): 0 is the end marker;
 /// terminals are 1..terminalCount in order of first appearance; non-terminals
 /// are firstNonterminal..lastCode in order of first appearance, the goal always
@@ -120,6 +136,10 @@ public:
     void FindFollowB();
     void FindFollowL();
     void FindFollowR();
+    /// The precedence step (PrecedenceSets.cpp): refuses grammars with empty
+    /// rules or equal right parts, notes adjacent non-terminals for operator
+    /// precedence, then computes leftSet and rightSet; writes precedence.
+    void FindLeftAndRightSets();
 
     /// Takes a snapshot of the names, the rules and the five counts into the
     /// copy* fields, for the transformations.
@@ -194,6 +214,7 @@ public:
     QString llRejection;      ///< the LL(1) verdict stored when left recursion is found
 
     std::array<std::optional<bool>, GrammarFlag::Count> flags{}; ///< the grammar-wide flags
+    PrecedenceState precedence;  ///< flags and result texts of the two precedence analysers
 
     // ---- Snapshot taken by MakeACopy -----------------------------------------
 
@@ -216,6 +237,9 @@ private:
     /// The sets computed as part of the parse: nullable marks, FIRST per
     /// non-terminal and per rule. Sets flag 2 and the FIRST report when done.
     void ComputeFirstSets();
+    /// Closes precedence sets: a member non-terminal brings in its own set, pass
+    /// by pass until a pass adds nothing. False when stopped through InProcess.
+    bool ClosePrecedenceSets(std::vector<CodeList>& sets);
     /// The left-recursion test (LeftRecursion.cpp); marks leftRecursive.
     bool FindLeftRecursion();
     /// FOLLOWL or FOLLOWR from FOLLOWB (FollowSets.cpp): copies FOLLOWB into sets,

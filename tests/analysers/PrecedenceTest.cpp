@@ -1,0 +1,410 @@
+// The precedence step and the two precedence analysers: textbook relation
+// tables, refusals, conflicts and their resolution in the C text, settings,
+// Stop, and the generated sample parsers compiled and run.
+#include "analysers/Ana10SPR.h"
+#include "analysers/Ana11OPR.h"
+#include "support/GrammarSamples.h"
+#include "support/RecordingHost.h"
+#include "support/TestPaths.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const QString kEol = QStringLiteral("\r\n");
+const QString kNotSimple = QStringLiteral("This Grammar Is Not Simple Precedence One.");
+const QString kNotOperator = QStringLiteral("This Grammar Is Not Operator Precedence One.");
+
+/// A grammar readied by the analysis run, then both precedence analysers run on it.
+struct Prec {
+    RecordingHost host;
+    Workspace ws{&host};
+    bool parsed = false, spr = false, opr = false;
+
+    explicit Prec(const QString& text, const Settings& settings = Settings())
+    {
+        ws.settings = settings;
+        RecordingFrontend frontend(text);
+        parsed = AnalyzeGrammar(ws, frontend);
+        Ana10SPR simple(ws);
+        simple.SetInProcess(true);
+        spr = simple.Analyze();
+        Ana11OPR op(ws);
+        op.SetInProcess(true);
+        opr = op.Analyze();
+    }
+    const PrecedenceState& state() const { return ws.grammar.precedence; }
+    int C(const char* name) const
+    {
+        for (int c = 1; c <= ws.grammar.lastCode; ++c)
+            if (ws.grammar.SymbolName(c) == QString::fromUtf8(name))
+                return c;
+        ADD_FAILURE() << "no symbol " << name;
+        return -1;
+    }
+    /// A set by its members as the reports print them, in its order.
+    QString Names(const std::vector<CodeList>& sets, const char* of) const
+    {
+        QStringList names;
+        for (int c : sets[static_cast<std::size_t>(C(of))])
+            names << ws.grammar.GetSymbolS(c);
+        return names.join(QLatin1Char(' '));
+    }
+};
+
+/// The matrix, a row per line and a character per cell: '<', '=', '>', '.'
+/// when empty, '!' for a conflict.
+QString Grid(const PrecedenceMatrix& m)
+{
+    QString grid;
+    for (int i = 0; i < m.Size(); ++i) {
+        for (int j = 0; j < m.Size(); ++j) {
+            const std::vector<int> codes = m.Codes(i, j);
+            grid += codes.empty()                            ? QLatin1Char('.')
+                  : codes.size() > 1                         ? QLatin1Char('!')
+                  : codes[0] == m.Code(PrecedenceMatrix::LT) ? QLatin1Char('<')
+                  : codes[0] == m.Code(PrecedenceMatrix::EQ) ? QLatin1Char('=')
+                                                             : QLatin1Char('>');
+        }
+        grid += QLatin1Char(' ');
+    }
+    return grid.trimmed();
+}
+
+const QString kExpr = Lines({"<E>", "<E>=<E>[+]<T>", "<E>=<T>", "<T>=<T>[*]<F>", "<T>=<F>", "<F>=[(]<E>[)]",
+                             "<F>=[a]"});
+// A simple precedence grammar from Gries, Compiler Construction for Digital Computers (1971).
+const QString kGries = Lines({"<Z>", "<Z>=[b]<M>[b]", "<M>=[(]<L>", "<M>=[a]", "<L>=<M>[a][)]"});
+// Its only conflict: [a] <. [b] (<B> begins with [b]) against [a] .= [b].
+const QString kLtEq = Lines({"<S>", "<S>=[a]<B>", "<S>=[a][b][c]", "<B>=[b][d]"});
+
+TEST(Precedence, ExpressionGrammarGivesTheTextbookOperatorTable)
+{
+    Prec p(kExpr);
+    ASSERT_TRUE(p.parsed);
+    EXPECT_TRUE(p.opr);
+    // Rows and columns EOT [+] [*] [(] [)] [a], as in Aho, Sethi and Ullman.
+    EXPECT_EQ(Grid(p.ws.opr.synta), QStringLiteral(".<<<.< >><<>< >>><>< .<<<=< >>>.>. >>>.>."));
+    EXPECT_EQ(p.Names(p.ws.grammar.leftTermSet, "E"), QStringLiteral("[+] [*] [(] [a]"));
+    EXPECT_EQ(p.Names(p.ws.grammar.rightTermSet, "E"), QStringLiteral("[+] [*] [)] [a]"));
+    EXPECT_TRUE(p.state().oprText.startsWith(QStringLiteral("SYNTA[0,1]=-2\r\nSYNTA[0,2]=-2\r\n")));
+    EXPECT_TRUE(p.state().oprText.endsWith(QStringLiteral("\r\nSYNTA[5,4]=1\r\n")));
+    EXPECT_EQ(Ana11OPR(p.ws).ExportDisplay(), p.state().oprText);
+    EXPECT_TRUE(p.ws.grammar.GetFlag(GrammarFlag::AnalysedOPR));
+
+    // Not simple precedence: [+] .= <T> and [+] <. <T>, [(] .= <E> and [(] <. <E>;
+    // the table is kept and flagged all the same.
+    EXPECT_FALSE(p.spr);
+    EXPECT_EQ(p.ws.spr.synta.ConflictCount(), 2);
+    EXPECT_EQ(p.ws.spr.synta.CellText(p.C("+"), p.C("T")), QStringLiteral("-1, -2"));
+    EXPECT_EQ(p.ws.spr.synta.CellText(p.C("("), p.C("E")), QStringLiteral("-1, -2"));
+    EXPECT_TRUE(p.state().sprText.startsWith(kNotSimple + QStringLiteral("\r\nSYNTA[0,3]=-2\r\n")));
+    EXPECT_TRUE(p.state().sprTableBuilt);
+    EXPECT_FALSE(p.state().sprPossible);
+    EXPECT_TRUE(p.ws.grammar.GetFlag(GrammarFlag::AnalysedSPR));
+}
+
+TEST(Precedence, GriesGrammarIsSimplePrecedenceButNotOperatorPrecedence)
+{
+    Prec p(kGries);
+    EXPECT_TRUE(p.spr);
+    // Rows and columns EOT [b] [(] [a] [)] <Z> <M> <L>.
+    EXPECT_EQ(Grid(p.ws.spr.synta),
+              QStringLiteral(".<...... >.<<..=. ..<<..<= .>.>=... .>.>.... ........ .=.=.... .>.>...."));
+    EXPECT_EQ(p.Names(p.ws.grammar.leftSet, "L"), QStringLiteral("<M> [(] [a]"));
+    EXPECT_EQ(p.Names(p.ws.grammar.rightSet, "M"), QStringLiteral("<L> [a] [)]"));
+    EXPECT_EQ(p.state().sprText.count(kEol), 18);  // a line per relation, no failure line
+    // The scan back over <M>=[(]<L> makes [(] the last terminal of <M>, and <M>[a]
+    // is a pair: [(] .> [a] against [(] <. [a] from [(]<L>.
+    EXPECT_FALSE(p.opr);
+    EXPECT_EQ(p.ws.opr.synta.CellText(p.C("("), p.C("a")), QStringLiteral("-2, 1"));
+    EXPECT_TRUE(p.state().oprText.startsWith(kNotOperator + kEol));
+}
+
+TEST(Precedence, AdjacentNonTerminalsAreANoteOnlyAndGiveGreaterToTheWholeLeftSet)
+{
+    const QString text = Lines({"<S>", "<S>=[a]<B><C>[d]", "<B>=[b]", "<C>=<D>[c]", "<D>=[e]"});
+    Workspace ws;
+    RecordingFrontend fe(text);
+    ASSERT_TRUE(AnalyzeGrammar(ws, fe));
+    EXPECT_EQ(ws.grammar.precedence.oprText, kNotOperator + QStringLiteral("\r\nAdjacent Non-Terminals Are Not Allowed."));
+    EXPECT_TRUE(ws.grammar.precedence.oprPossible);
+
+    Prec p(text);
+    EXPECT_TRUE(p.opr);  // the run replaces the note
+    const PrecedenceMatrix& op = p.ws.opr.synta;
+    EXPECT_EQ(op.CellText(p.C("a"), p.C("d")), QStringLiteral("-1"));  // .= across <B><C>
+    EXPECT_EQ(op.CellText(p.C("b"), p.C("e")), QStringLiteral("1"));
+    EXPECT_EQ(op.CellText(p.C("b"), p.C("c")), QStringLiteral("1"));
+    // <B><C>: .> from [b] to every member of the left set of <C>, <D> as well as [e].
+    EXPECT_TRUE(p.spr);
+    const PrecedenceMatrix& sp = p.ws.spr.synta;
+    EXPECT_EQ(sp.CellText(p.C("B"), p.C("C")), QStringLiteral("-1"));
+    EXPECT_EQ(sp.CellText(p.C("B"), p.C("D")), QStringLiteral("-2"));
+    EXPECT_EQ(sp.CellText(p.C("b"), p.C("D")), QStringLiteral("1"));
+    EXPECT_EQ(sp.CellText(p.C("b"), p.C("e")), QStringLiteral("1"));
+}
+
+TEST(Precedence, RefusalsGiveOneReasonAndNoTable)
+{
+    const QString empty = QStringLiteral("Empty Rules Are Not Allowed.");
+    const QString equal = QStringLiteral("Rules with Equal Right Parts Are Not Allowed.");
+    const std::pair<QString, QString> cases[] = {
+        {Lines({"<S>", "<S>=[a]<A>", "<A>=", "<A>=[b]"}), empty},
+        {Lines({"<S>", "<S>=[a]<A>", "<S>=[b]", "<A>=[b]", "<A>="}), empty},  // both: the empty rule is named
+        {Lines({"<S>", "<S>=[a]<A>", "<S>=[b]", "<A>=[b]"}), equal},
+    };
+    for (const auto& [text, reason] : cases) {
+        Prec p(text);
+        EXPECT_FALSE(p.spr || p.opr);
+        EXPECT_EQ(p.state().sprText, kNotSimple + kEol + reason);
+        EXPECT_EQ(p.state().oprText, kNotOperator + kEol + reason);
+        EXPECT_FALSE(p.ws.grammar.GetFlag(GrammarFlag::AnalysedSPR) || p.ws.grammar.GetFlag(GrammarFlag::AnalysedOPR));
+        EXPECT_EQ(Ana10SPR(p.ws).TableDisplay() + Ana11OPR(p.ws).TableDisplay(), QString());
+    }
+
+    // <A> and <B> derive only each other: no terminal begins them.
+    Prec cycle(Lines({"<S>", "<S>=[a]<A>", "<S>=[s]", "<A>=<B>", "<B>=<A>"}));
+    EXPECT_EQ(cycle.state().oprText, kNotOperator);
+    EXPECT_FALSE(cycle.ws.grammar.GetFlag(GrammarFlag::AnalysedOPR));
+    EXPECT_TRUE(cycle.ws.grammar.GetFlag(GrammarFlag::AnalysedSPR));
+
+    // A non-terminal without rules (a grammar assembled by hand) has empty sets.
+    Prec cut(Lines({"<S>", "<S>=[a]<A>", "<A>=[b]"}));
+    Grammar& g = cut.ws.grammar;
+    g.rules.pop_back();
+    g.ruleCount = 1;
+    g.FindLeftAndRightSets();
+    EXPECT_EQ(g.precedence.sprText, kNotSimple);
+    Ana10SPR simple(cut.ws);
+    simple.SetInProcess(true);
+    EXPECT_FALSE(simple.Analyze());
+    EXPECT_FALSE(g.precedence.sprTableBuilt);
+}
+
+TEST(Precedence, ConflictsAreWrittenEqThenLtThenGtAndCodesComeFromTheSettings)
+{
+    Prec p(kLtEq);
+    EXPECT_FALSE(p.spr);
+    EXPECT_EQ(p.state().sprText, kNotSimple + Lines({"", "SYNTA[0,1]=-2", "SYNTA[1,2]=-2, -1", "SYNTA[1,6]=-1",
+                                                     "SYNTA[2,3]=-1", "SYNTA[2,4]=-1", "SYNTA[3,0]=1",
+                                                     "SYNTA[4,0]=1", "SYNTA[6,0]=1", ""}));
+    QString c = Ana10SPR(p.ws).TableDisplay();
+    EXPECT_TRUE(c.contains(QStringLiteral("/*[a]  */{    0,    0,   EQ,    0,    0,    0,   EQ},\r\n")));
+    // <. against .> goes to LT.
+    Prec gries(kGries);
+    EXPECT_TRUE(Ana11OPR(gries.ws).TableDisplay().contains(QStringLiteral("/*[(]  */{    0,   GT,   LT,   LT,    0},")));
+
+    Settings settings;
+    settings.pSignLT = 5;
+    settings.pSignGT = 9;
+    Prec coded(kLtEq, settings);
+    EXPECT_TRUE(coded.state().sprText.contains(QStringLiteral("\r\nSYNTA[1,2]=5, -1\r\nSYNTA[1,6]=-1\r\n")));
+    EXPECT_TRUE(coded.state().sprText.endsWith(QStringLiteral("\r\nSYNTA[6,0]=9\r\n")));
+    c = Ana10SPR(coded.ws).TableDisplay();
+    EXPECT_TRUE(c.contains(QStringLiteral("#define LT 5  // <.\r\n#define EQ -1  // .=\r\n#define GT 9   // .>\r\n\r\n")));
+    // Cells hold codes: with <. and .= coded alike the conflict is gone.
+    settings.pSignEQ = 5;
+    Prec same(kLtEq, settings);
+    EXPECT_TRUE(same.spr);
+    EXPECT_EQ(same.ws.spr.synta.CellText(1, 2), QStringLiteral("5"));
+}
+
+TEST(Precedence, TheCTextOfARelationTable)
+{
+    qputenv("SOURCE_DATE_EPOCH", "1700000000");
+    Settings settings;
+    settings.cellWidth = 2;
+    Prec p(kExpr, settings);
+    EXPECT_EQ(Ana11OPR(p.ws).TableDisplay(),
+              Lines({"/* Generated by 2016 KAVEN TRELK */", "/* 14-11-2023 22:13:20 */", "", "/* Rule Length */",
+                     "int RLEN[] = {0,3,1,3,1,3,1};", "", "/* Rule Symbol */",
+                     "sttype RSYM[] = {TOK_EOT,SYM_E,SYM_E,SYM_T,SYM_T,SYM_F,SYM_F};", "",
+                     "/* Precedence Relation Constants */", "#define LT -2  // <.", "#define EQ -1  // .=",
+                     "#define GT 1   // .>", "", "/* Start Symbol */", "#define START SYM_E",
+                     "/* Syntax Table SYNTA (operator precedence) */", "stack_t SYNTA [6][6] = {",
+                     "/*        EOT  [+]  [*]  [(]  [)]  [a] */", "/*EOT */{   0,  LT,  LT,  LT,   0,  LT},",
+                     "/*[+] */{  GT,  GT,  LT,  LT,  GT,  LT},", "/*[*] */{  GT,  GT,  GT,  LT,  GT,  LT},",
+                     "/*[(] */{   0,  LT,  LT,  LT,  EQ,  LT},", "/*[)] */{  GT,  GT,  GT,   0,  GT,   0},",
+                     "/*[a] */{  GT,  GT,  GT,   0,  GT,   0}", "};", ""}));
+    EXPECT_EQ(p.ws.settings.cellWidth, 4);  // the stored setting itself was raised
+
+    Prec named(Lines({"<Expression>", "<Expression>=[number]"}));
+    const QString c = Ana10SPR(named.ws).TableDisplay();
+    EXPECT_TRUE(c.contains(QStringLiteral("#define START SYM_EXPRESSION\r\n/* Syntax Table SYNTA (simple precedence) */\r\n"
+                                          "stack_t SYNTA [3][3] = {\r\n/*          EOT [numb <Expr */\r\n"
+                                          "/*EOT  */{    0,   LT,    0},\r\n")));
+    EXPECT_FALSE(c.contains(QStringLiteral("spr_recognize")));
+    qunsetenv("SOURCE_DATE_EPOCH");
+}
+
+TEST(Precedence, AStopLeavesTheSetsUndoneAndTheViewComputesThem)
+{
+    for (long turn = 1;; ++turn) {  // Stop at each turn the precedence step gives in turn
+        SCOPED_TRACE(turn);
+        RecordingHost host;
+        Workspace ws(&host);
+        RecordingFrontend fe(kGries);
+        ASSERT_TRUE(AnalyzeGrammar(ws, fe));
+        host.yields = 0;
+        host.stopAfter = turn;
+        host.stop = [&] { ws.grammar.SetInProcess(false); };
+        ws.grammar.FindLeftAndRightSets();
+        if (host.yields < turn)
+            break;
+        EXPECT_FALSE(ws.grammar.precedence.sprSetsDone);
+        EXPECT_EQ(ws.grammar.precedence.sprText, NotAnalyzed);
+        host.stop = nullptr;
+        Analyse(ws, fe, View::SPR);
+        EXPECT_EQ(fe.text2, ws.grammar.precedence.sprText);
+        EXPECT_TRUE(fe.text2.startsWith(QStringLiteral("SYNTA[0,1]=-2\r\n")));
+        ws.ResetResults();
+        EXPECT_EQ(ws.grammar.precedence.sprText, NotAnalyzed);
+        EXPECT_EQ(ws.spr.synta.Size(), 0);
+    }
+}
+
+TEST(Precedence, CorpusGrammarsAreRefusedForTheirReasonOrGetBothTables)
+{
+    for (const QString& path : CorpusGrammars()) {
+        SCOPED_TRACE(path.toStdString());
+        Prec p(ReadGrammarText(path));
+        const Grammar& g = p.ws.grammar;
+        if (g.GetFlag(GrammarFlag::HasEmptyRule) || !g.GetFlag(GrammarFlag::NoEqualRightSides)) {
+            EXPECT_TRUE(p.state().sprText.endsWith(g.GetFlag(GrammarFlag::HasEmptyRule) ? QStringLiteral("Empty Rules Are Not Allowed.")
+                                                                                         : QStringLiteral("Equal Right Parts Are Not Allowed.")));
+            EXPECT_FALSE(g.GetFlag(GrammarFlag::AnalysedSPR) || g.GetFlag(GrammarFlag::AnalysedOPR));
+        } else {
+            EXPECT_EQ(p.ws.spr.synta.Size(), g.lastCode + 1);
+            EXPECT_EQ(p.ws.opr.synta.Size(), g.terminalCount + 1);
+            EXPECT_EQ(p.state().sprText.startsWith(kNotSimple), p.ws.spr.synta.ConflictCount() > 0);
+        }
+    }
+}
+
+// ---- The sample parsers -------------------------------------------------------
+
+enum class Rel { None, LT, EQ, GT };
+
+/// A cell as the C table writes it: EQ, then LT, then GT.
+Rel Resolved(const PrecedenceMatrix& m, int i, int j)
+{
+    if (m.IsEmpty(i, j))
+        return Rel::None;
+    if (m.HasCode(i, j, m.Code(PrecedenceMatrix::EQ)))
+        return Rel::EQ;
+    return m.HasCode(i, j, m.Code(PrecedenceMatrix::LT)) ? Rel::LT : Rel::GT;
+}
+
+/// Parses tokens by the table: shift on <. and .=; on .> reduce the handle, down
+/// to the nearest <. (between the top and the token for simple precedence,
+/// between terminals for operator precedence, where any non-terminal of a right
+/// side matches any other).
+bool Simulate(const Workspace& ws, std::vector<int> tokens, bool simple)
+{
+    const Grammar& g = ws.grammar;
+    const PrecedenceMatrix& m = simple ? ws.spr.synta : ws.opr.synta;
+    tokens.push_back(0);
+    std::vector<int> stack{0};
+    std::size_t pos = 0;
+    auto related = [&](std::size_t at) {  // the symbol below stack[at] that relations are read against
+        std::size_t below = at - 1;
+        while (!simple && g.IsNonterminal(stack[below]))
+            --below;
+        return below;
+    };
+    for (int steps = 0; steps < 100000; ++steps) {
+        const std::size_t top = simple ? stack.size() - 1 : related(stack.size());
+        if (tokens[pos] == 0 && stack.size() == 2 && (simple ? stack[1] == g.goal : top == 0))
+            return true;
+        const Rel rel = Resolved(m, stack[top], tokens[pos]);
+        if ((rel == Rel::LT || rel == Rel::EQ) && tokens[pos] != 0) {
+            stack.push_back(tokens[pos++]);
+            continue;
+        }
+        if (rel != Rel::GT || top == 0)
+            return false;
+        std::size_t low = top;
+        while (low > 1 && Resolved(m, stack[related(low)], stack[low]) == Rel::EQ && related(low) > 0)
+            low = related(low);
+        if (Resolved(m, stack[related(low)], stack[low]) != Rel::LT)
+            return false;
+        const std::size_t from = related(low) + 1;
+        int found = 0;
+        for (int r = 1; r <= g.ruleCount && !found; ++r) {
+            const std::vector<int>& rule = g.rules[static_cast<std::size_t>(r)];
+            bool match = rule.size() == stack.size() - from + 1;
+            for (std::size_t k = 1; match && k < rule.size(); ++k)
+                match = rule[k] == stack[from + k - 1]
+                     || (!simple && g.IsNonterminal(rule[k]) && g.IsNonterminal(stack[from + k - 1]));
+            found = match ? r : 0;
+        }
+        if (!found)
+            return false;
+        stack.resize(from);
+        stack.push_back(g.rules[static_cast<std::size_t>(found)][0]);
+    }
+    return false;
+}
+
+TEST(Precedence, GeneratedParsersAgreeWithTheSimulation)
+{
+    qputenv("SOURCE_DATE_EPOCH", "1700000000");
+    const struct {
+        const char* name;
+        QString text;
+        bool simple;
+        bool passes;  ///< the grammar passes the test: every sentence is accepted
+    } cases[] = {
+        {"spr_gries", kGries, true, true},
+        {"spr_layers", Lines({"<S>", "<S>=<E>", "<E>=<E1>", "<E1>=<E1>[+]<T>", "<E1>=<T>", "<T>=<T1>",
+                              "<T1>=<T1>[*]<F>", "<T1>=<F>", "<F>=[(]<S>[)]", "<F>=[a]"}),
+         true, true},
+        {"spr_conflicts", kExpr, true, false},
+        {"opr_expr", kExpr, false, true},
+        {"opr_levels", Lines({"<E>", "<E>=<E>[+]<T>", "<E>=<E>[-]<T>", "<E>=<T>", "<T>=<T>[*]<P>", "<T>=<T>[/]<P>",
+                              "<T>=<P>", "<P>=<F>[^]<P>", "<P>=<F>", "<F>=[(]<E>[)]", "<F>=[a]", "<F>=[b]"}),
+         false, true},
+    };
+    std::mt19937 rng(7);
+    for (const auto& pc : cases) {
+        SCOPED_TRACE(pc.name);
+        Settings settings;
+        settings.generateRecognizer = 1;
+        settings.generateRules = 0;  // the parser brings its own RULE table, in order
+        settings.generateRuleReverse = 1;
+        Prec p(pc.text, settings);
+        ASSERT_EQ(pc.simple ? p.spr : p.opr, pc.passes);
+        const QString function = pc.simple ? QStringLiteral("spr_recognize") : QStringLiteral("opr_recognize");
+        const QString tables = pc.simple ? Ana10SPR(p.ws).TableDisplay() : Ana11OPR(p.ws).TableDisplay();
+        QString errors;
+        const QString exe = CompileC(QString::fromLatin1(pc.name),
+                                     CPrologue(p.ws.grammar) + tables + CDriverMain(function), errors);
+        ASSERT_FALSE(exe.isEmpty()) << errors.toStdString();
+        EXPECT_FALSE(errors.contains(QStringLiteral("warning"))) << errors.toStdString();
+
+        const auto sentences = RandomSentences(p.ws.grammar, 150, rng);
+        auto all = Mutations(p.ws.grammar, sentences, rng);
+        all.insert(all.end(), sentences.begin(), sentences.end());
+        all.push_back({});
+        QString input, expected;
+        int accepted = 0;
+        for (const std::vector<int>& s : all) {
+            QStringList codes;
+            for (int t : s)
+                codes << QString::number(t);
+            input += codes.join(QLatin1Char(' ')) + QLatin1Char('\n');
+            const bool yes = Simulate(p.ws, s, pc.simple);
+            accepted += yes;
+            expected += yes ? QStringLiteral("1\n") : QStringLiteral("0\n");
+        }
+        EXPECT_EQ(RunProgram(exe, input), expected);
+        if (pc.passes)
+            for (const std::vector<int>& s : sentences)
+                EXPECT_TRUE(Simulate(p.ws, s, pc.simple));
+        EXPECT_LT(accepted, static_cast<int>(all.size()) - 50);  // most mutations are refused
+    }
+    qunsetenv("SOURCE_DATE_EPOCH");
+}
+
+} // namespace
