@@ -13,11 +13,12 @@ int LoadGrammar(Workspace& workspace, const QString& path, QString& text)
         WriteErr(QStringLiteral("trelk-cli: ") + path + QStringLiteral(": no such file"));
         return kExitFile;
     }
-    if (!ReadGrammarFile(path, text, error)) {
+    // As File Open: the text, the grammar's path and the kept state of its
+    // companion .tkc, whose failures the host puts on stderr.
+    if (!TKGOpen(workspace, path, text, error)) {
         WriteErr(QStringLiteral("trelk-cli: ") + error);
         return kExitFile;
     }
-    workspace.grammar.SetPath(QFileInfo(path).absoluteFilePath());
     return kExitOk;
 }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <string>
 
 namespace CTables {
@@ -170,51 +171,70 @@ void WriteLrTable(TextSink& sink, const Grammar& g, const Settings& settings,
           + QString::number(g.lastCode + 1) + QStringLiteral("] = {") + kEol;
     sink.Write(text);
 
-    // The rows: millions of cells for the large grammars, so they are formatted
-    // by hand into one byte buffer per row.
+    // The rows: millions of cells for the large grammars, mostly empty. Each row
+    // starts as a copy of an all-"0" row; the filled cells are written over it.
+    // A number wider than a cell shifts the cells after it, so such a row is
+    // written cell by cell instead.
     const std::size_t codes = static_cast<std::size_t>(g.lastCode) + 1;
+    const std::size_t cell = static_cast<std::size_t>(cellWidth) + 1;  // with its ","
+    std::string empty;
+    for (std::size_t c = 0; c < codes; ++c) {
+        if (c)
+            empty.push_back(',');
+        empty.append(static_cast<std::size_t>(cellWidth) - 1, ' ');
+        empty.push_back('0');
+    }
     std::vector<int> dense(codes, 0);
     std::string line;
-    line.reserve(codes * static_cast<std::size_t>(cellWidth + 1) + 32);
     char number[16];
-    auto pad = [&](int used) { line.append(static_cast<std::size_t>(std::max(cellWidth - used, 0)), ' '); };
+    auto format = [&](int value) -> std::pair<const char*, std::size_t> {
+        if (value == accept)
+            return {"ACC", 3};
+        char* end = number + sizeof number;
+        char* p = end;
+        unsigned v = value < 0 ? 0u - static_cast<unsigned>(value) : static_cast<unsigned>(value);
+        do {
+            *--p = static_cast<char>('0' + v % 10);
+            v /= 10;
+        } while (v);
+        if (value < 0)
+            *--p = '-';
+        return {p, static_cast<std::size_t>(end - p)};
+    };
     for (int s = 0; s <= last; ++s) {
         const auto& row = rows[static_cast<std::size_t>(s)];
-        for (const auto& [c, v] : row)
-            dense[static_cast<std::size_t>(c)] = v;
         line.assign("/*");
         const int n = std::snprintf(number, sizeof number, "%0*d", digits, s);
         line.append(number, static_cast<std::size_t>(n));
         line.append("*/{");
-        for (std::size_t c = 0; c < codes; ++c) {
-            if (c)
-                line.push_back(',');
-            const int cell = dense[c];
-            if (cell == accept) {
-                pad(3);
-                line.append("ACC");
-            } else if (cell == 0) {
-                pad(1);
-                line.push_back('0');
-            } else {
-                // Decimal digits from the right, then the sign.
-                char* end = number + sizeof number;
-                char* p = end;
-                unsigned v = cell < 0 ? 0u - static_cast<unsigned>(cell) : static_cast<unsigned>(cell);
-                do {
-                    *--p = static_cast<char>('0' + v % 10);
-                    v /= 10;
-                } while (v);
-                if (cell < 0)
-                    *--p = '-';
-                pad(static_cast<int>(end - p));
-                line.append(p, static_cast<std::size_t>(end - p));
+        const std::size_t start = line.size();
+        bool fits = true;
+        for (const auto& [c, v] : row)
+            fits &= format(v).second <= static_cast<std::size_t>(cellWidth);
+        if (fits) {
+            line.append(empty);
+            for (const auto& [c, v] : row) {
+                const auto [text, length] = format(v);
+                char* at = line.data() + start + static_cast<std::size_t>(c) * cell;
+                std::memset(at, ' ', static_cast<std::size_t>(cellWidth));
+                std::memcpy(at + cellWidth - static_cast<int>(length), text, length);
             }
+        } else {
+            for (const auto& [c, v] : row)
+                dense[static_cast<std::size_t>(c)] = v;
+            for (std::size_t c = 0; c < codes; ++c) {
+                if (c)
+                    line.push_back(',');
+                const auto [text, length] = format(dense[c]);
+                if (length < static_cast<std::size_t>(cellWidth))
+                    line.append(static_cast<std::size_t>(cellWidth) - length, ' ');
+                line.append(text, length);
+            }
+            for (const auto& [c, v] : row)
+                dense[static_cast<std::size_t>(c)] = 0;
         }
         line.append(" },\r\n");
         sink.Write(line.data(), line.size());
-        for (const auto& [c, v] : row)
-            dense[static_cast<std::size_t>(c)] = 0;
     }
     QString tail = QStringLiteral("};") + kEol;
     for (const QString& conflict : conflicts)

@@ -89,7 +89,8 @@ QString ExportView(Workspace& workspace, AnalysisFrontend& frontend, int view)
                 workspace.current->WriteTable(sink);
             sink.Write(QByteArrayLiteral("\r\n"));
             sink.Flush();
-            written = sink.Ok() && out.commit();
+            // QSaveFile can commit a cut file when its own buffer fails to flush: flush first.
+            written = sink.Ok() && out.flush() && out.commit();
         }
         if (!written)
             error = QStringLiteral("cannot write ") + file + QStringLiteral(": ") + out.errorString();

@@ -1,10 +1,16 @@
 /// \file
-/// Reading grammar text files.
+/// Reading and writing grammar text files, opening and saving a grammar with
+/// its compiled companion.
 #include "storage/GrammarFile.h"
 
+#include "analysers/Workspace.h"
+#include "storage/CompiledGrammar.h"
+
 #include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 #include <QStringDecoder>
+#include <algorithm>
 
 namespace {
 
@@ -84,17 +90,83 @@ bool ReadGrammarFile(const QString& path, QString& text, QString& error)
     return true;
 }
 
-bool WriteTextFile(const QString& path, const QString& text, QString& error)
+bool WriteWholeFile(const QString& path, const QByteArray& bytes, QString& error)
 {
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
+    // QSaveFile commits even when the buffered bytes failed to reach the disk
+    // as it closed (a full disk, a file size limit): the explicit flush catches that.
+    const bool written = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush()
+                      && file.commit();
+    if (!written)
         error = QStringLiteral("cannot write ") + path + QStringLiteral(": ") + file.errorString();
+    return written;
+}
+
+bool WriteTextFile(const QString& path, const QString& text, QString& error)
+{
+    return WriteWholeFile(path, (text + QStringLiteral("\r\n")).toUtf8(), error);
+}
+
+QString CompanionPath(const QString& grammarPath)
+{
+    // On purpose: the last "." wherever it is, even in a folder name, and the
+    // bare "tkc" in the current folder for a path without one, as companions
+    // have always been named.
+    const qsizetype dot = grammarPath.lastIndexOf(QLatin1Char('.'));
+    return grammarPath.left(dot + 1) + QStringLiteral("tkc");
+}
+
+std::optional<QString> GrammarNameOf(const QString& path)
+{
+    const qsizetype separator = std::max(path.lastIndexOf(QLatin1Char('/')), path.lastIndexOf(QLatin1Char('\\')));
+    const QString fileName = path.mid(separator + 1);
+    if (fileName.size() < 4)
+        return std::nullopt;
+    // On purpose: the last four characters go whatever they are.
+    return fileName.chopped(4);
+}
+
+bool TKGOpen(Workspace& workspace, const QString& path, QString& text, QString& error)
+{
+    QString read;
+    if (!ReadGrammarFile(path, read, error))
         return false;
-    }
-    file.write((text + QStringLiteral("\r\n")).toUtf8());
-    if (!file.commit()) {
-        error = QStringLiteral("cannot write ") + path + QStringLiteral(": ") + file.errorString();
-        return false;
+    text = read;
+    Grammar& grammar = workspace.grammar;
+    grammar.Clear();
+    workspace.ResetResults();
+    const QString fullPath = QFileInfo(path).absoluteFilePath();
+    grammar.SetPath(fullPath);
+
+    QString keptPath, keptName;
+    switch (TKCRead(workspace, CompanionPath(fullPath), keptPath, keptName)) {
+    case TkcReadResult::Missing:
+    case TkcReadResult::Foreign:
+        break;  // nothing was restored: the fresh state stands
+    case TkcReadResult::Failed:
+        // The failure is reported; a companion that could not be read whole is
+        // not trusted, so the analysis starts clean.
+        grammar.Clear();
+        workspace.ResetResults();
+        break;
+    case TkcReadResult::Restored:
+        CheckRestoredState(workspace, text);
+        break;
     }
     return true;
+}
+
+bool GrammarSaveAs(Workspace& workspace, const QString& targetPath, const QString& editorText)
+{
+    Grammar& grammar = workspace.grammar;
+    grammar.SetPath(targetPath);
+    // The companion goes first. Should the text then fail, the old text stays
+    // beside the new companion, which the next open refuses unless it fits that text.
+    const bool companionWritten = TKCSave(workspace, CompanionPath(targetPath), targetPath, grammar.Name());
+    QString error;
+    if (!WriteTextFile(targetPath, editorText, error)) {
+        ReportFileError(workspace, FileErrorNumber::FileAccess, QStringLiteral("GrammarSaveAs"));
+        return false;
+    }
+    return companionWritten;
 }

@@ -1,10 +1,15 @@
 /// \file
 /// Grammar text files: reading (blank lines dropped, lines joined with CR LF,
-/// UTF-8 with a Windows-1251 fallback) and the text encoding helpers.
+/// UTF-8 with a Windows-1251 fallback), the text encoding helpers, the names of
+/// a grammar and of its compiled companion, and opening and saving a grammar
+/// together with its companion.
 #pragma once
 
 #include <QByteArray>
 #include <QString>
+#include <optional>
+
+class Workspace;
 
 /// Decodes file bytes: UTF-8 (a leading byte-order mark is dropped) when they
 /// are valid UTF-8, otherwise Windows-1251, as older Windows files are.
@@ -18,6 +23,33 @@ QString JoinGrammarLines(const QString& decoded);
 /// describes the failure in error.
 bool ReadGrammarFile(const QString& path, QString& text, QString& error);
 
+/// Writes bytes through QSaveFile: the old file is replaced only once every
+/// byte has reached the new one. On failure returns false with error set.
+bool WriteWholeFile(const QString& path, const QByteArray& bytes, QString& error);
+
 /// The text writer: writes text followed by one CR LF, UTF-8 without a byte-order
 /// mark, through QSaveFile so that a failed write leaves the old file whole.
 bool WriteTextFile(const QString& path, const QString& text, QString& error);
+
+/// The compiled companion of a grammar file: its path up to and including the
+/// last "." followed by "tkc" ("/g/expr.tkg" gives "/g/expr.tkc").
+QString CompanionPath(const QString& grammarPath);
+
+/// The grammar name of a file: its file name less the last four characters (the
+/// extension with its dot). None when the file name is shorter than four
+/// characters: such a name cannot be cut to a grammar name.
+std::optional<QString> GrammarNameOf(const QString& path);
+
+/// Opens a grammar file as File Open does: reads the text, starts the
+/// workspace afresh (grammar cleared, every analyser's results reset), sets the
+/// grammar's Path, reads the companion with TKCRead and keeps what it restored
+/// only when it belongs to this text (CheckRestoredState). Companion failures
+/// are reported through the host. Returns the editor text; false, with error
+/// set and the workspace untouched, when the grammar file cannot be read.
+bool TKGOpen(Workspace& workspace, const QString& path, QString& text, QString& error);
+
+/// The main save routine: sets the grammar's Path to targetPath, writes the
+/// companion first (TKCSave, with the grammar's Name), then editorText with the
+/// text writer. Both go through QSaveFile, so an interrupted save leaves the old
+/// files whole. Failures are reported through the host. True when both were written.
+bool GrammarSaveAs(Workspace& workspace, const QString& targetPath, const QString& editorText);
