@@ -4,7 +4,7 @@ BUILD ?= build
 CMAKE_FLAGS ?= -DCMAKE_BUILD_TYPE=Release
 EXAMPLE ?= examples/expr.tkg
 
-.PHONY: all deps configure build run test bench clean
+.PHONY: all deps configure build run test bench screenshot clean
 
 all: build
 
@@ -34,6 +34,13 @@ test: build
 bench: build
 	./$(BUILD)/bin/trelk-bench
 	python3 bench/compare.py --cli $(BUILD)/bin/trelk-cli
+
+# Pictures of the window and the dialogs for the manual, under a virtual X server.
+SHOT_GRAMMAR ?= $(firstword $(wildcard ../shared/corpus/calc.tkg) examples/expr.tkg)
+screenshot: build
+	rm -f $(BUILD)/screenshot.ini
+	xvfb-run -a -s "-screen 0 1280x1024x24" ./$(BUILD)/bin/trelk --ini $(BUILD)/screenshot.ini \
+	  --screenshot docs/screenshots $(SHOT_GRAMMAR)
 
 clean:
 	rm -rf $(BUILD)

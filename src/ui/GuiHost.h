@@ -1,14 +1,11 @@
 /// \file
-/// The desktop program's host: message boxes, a rate-limited turn of the event
-/// loop, and the three status labels.
+/// The desktop program's message boxes, titled with the product line.
 #pragma once
 
 #include "grammar/Host.h"
 
-#include <QElapsedTimer>
 #include <QPointer>
 
-class QLabel;
 class QWidget;
 
 class GuiHost final : public Host {
@@ -18,14 +15,10 @@ public:
     void critical(const QString& text) override;
     void information(const QString& text) override;
     bool okCancel(const QString& text) override;
-    void yield() override;
-    void status(StatusField field, const QString& text) override;
-
-    /// The labels that status() writes (any may be null).
-    void setStatusLabels(QLabel* state, QLabel* pass, QLabel* elapsed);
+    /// The window that owns this host runs the event loop itself.
+    void yield() override {}
+    void status(StatusField, const QString&) override {}
 
 private:
     QPointer<QWidget> m_owner;
-    QPointer<QLabel> m_state, m_pass, m_elapsed;
-    QElapsedTimer m_sinceYield;
 };

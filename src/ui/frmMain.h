@@ -1,28 +1,145 @@
 /// \file
-/// frmMain: the main window — the grammar editor Text1 and the output box Text2.
+/// frmMain: the main window — the grammar editor Text1, the output box Text2,
+/// the table grid Picture1, the twelve view selectors Image1, the status labels
+/// of a run, and the menus through which every command is reached. It owns the
+/// one Workspace for the program's life and drives the analysis run.
 #pragma once
 
+#include "analysers/AnalysisRun.h"
 #include "analysers/Workspace.h"
-#include "ui/GuiHost.h"
+#include "storage/PINI.h"
 
 #include <QMainWindow>
+#include <QUrl>
+#include <array>
+#include <functional>
+#include <memory>
 
+class GrammarEditor;
+class QLabel;
+class QMenu;
 class QPlainTextEdit;
+class QToolButton;
+class TableGrid;
 
-class frmMain : public QMainWindow {
+class frmMain final : public QMainWindow, public AnalysisFrontend {
     Q_OBJECT
 public:
-    frmMain();
+    /// messages: where message boxes go (null: real message boxes). settingsFile:
+    /// the settings file written at close (empty: none is written).
+    explicit frmMain(Host* messages = nullptr, const QString& settingsFile = QString());
+    ~frmMain() override;
 
-    /// Opens a grammar text file into the editor; false (with a message) when it cannot be read.
-    bool TKGOpen(const QString& path);
-    /// "2016 KAVEN TRELK — name", or "[New]" for a grammar without a file.
+    Workspace& workspace() { return *m_ws; }
+
+    // ---- The window's operations ------------------------------------------------
+    void SetText1(const QString& text);
+    void SetText2(const QString& text) override;
+    bool AnalyzeGrammar();
+    /// The Analyse command: does nothing while a run is in progress.
+    void Analyse();
+    void ProcessStart();
+    void ProcessStop();
+    /// Resets every analysis result and shows the selected view empty.
+    void ResetText();
     void SetCaption();
+    /// Opens a grammar file: its text into the editor, its companion file read.
+    bool TKGOpen(const QString& path);
+    /// The save after a run: saves a grammar that has a file, with its companion.
+    void GrammarSave() override;
 
-    QPlainTextEdit* Text1 = nullptr;  ///< the grammar editor
-    QPlainTextEdit* Text2 = nullptr;  ///< the output of the selected view
+    /// Selects a view (0..11) and shows its kept results without running anything.
+    void SelectView(int view);
+    int SelectedView() const { return m_view; }
+    bool Modified() const { return m_modified; }
+    bool Processing() const { return processing; }
+
+    /// Opens URLs (the manual); tests replace it.
+    std::function<void(const QUrl&)> urlOpener;
+
+    // ---- AnalysisFrontend -----------------------------------------------------------
+    QString GrammarText() override;
+    void OnProcessStart() override;
+    void OnProcessStop() override;
+
+    // ---- Controls ---------------------------------------------------------------------
+    GrammarEditor* Text1 = nullptr;
+    QPlainTextEdit* Text2 = nullptr;
+    TableGrid* Picture1 = nullptr;
+    std::array<QToolButton*, View::Count> Image1{};
+    QLabel* sPass = nullptr;
+    QLabel* sElapsed = nullptr;
+    QLabel* sState = nullptr;
+    QToolButton* recentButton = nullptr;
+
+    QMenu* mnuFile = nullptr;
+    QAction* mnuFileNew = nullptr;
+    QAction* mnuFileOpen = nullptr;
+    QAction* mnuFileSave = nullptr;
+    QAction* mnuFileSaveAs = nullptr;
+    QAction* mnuFile1 = nullptr;
+    QAction* mnuFileBack = nullptr;
+    QAction* mnuFileRename = nullptr;
+    QAction* mnuFile2 = nullptr;
+    QAction* mnuFileClose = nullptr;
+    QAction* mnuAnalyse = nullptr;
+    QAction* mnuStop = nullptr;
+    QMenu* mnuAction = nullptr;
+    QAction* mnuActUnused = nullptr;
+    QAction* mnuActLeftRecursion = nullptr;
+    QAction* mnuActLeftFactoring = nullptr;
+    QAction* mnuActEmptyRules = nullptr;
+    QAction* mnuActCycleRules = nullptr;
+    QAction* mnuActSep1 = nullptr;
+    QAction* mnuActGroup = nullptr;
+    QAction* mnuActReplace = nullptr;
+    QAction* mnuClear = nullptr;
+    QAction* mnuExport = nullptr;
+    QAction* mnuStat = nullptr;
+    QAction* mnuSettings = nullptr;
+    QAction* mnuHelp = nullptr;
+    QAction* mnuAbout = nullptr;
+
+    // ---- Commands -----------------------------------------------------------------------
+    void FileNew();
+    void FileOpen();
+    bool FileSave();
+    bool FileSaveAs();
+    void FileBack();
+    void FileRename();
+    void Stop();
+    void Clear();
+    void Export();
+    void Statistics();
+    void Options();
+    void Help();
+    void About();
+
+    /// The recently opened grammar files, newest first.
+    QStringList RecentFiles() const { return m_recent; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
-    GuiHost m_host;
-    Workspace m_workspace;
+    class WindowHost;
+    void BuildMenus();
+    void BuildViewSelector(QWidget* bar);
+    void OnGrammarEdited();
+    void ShowKeptResults();
+    void ShowParseErrorPlace(const QString& message);
+    void RememberRecent(const QString& path);
+    void RefreshRecentMenu();
+    void WriteSettingsAtClose();
+
+    std::unique_ptr<WindowHost> m_host;
+    std::unique_ptr<Workspace> m_ws;
+    PINI m_ini;
+    int m_view = 0;
+    bool m_modified = false;
+    bool m_loading = false;  ///< the editor is being filled by the program, not edited
+    QStringList m_recent;
+    QMenu* m_recentMenu = nullptr;
 };

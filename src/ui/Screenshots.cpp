@@ -1,0 +1,64 @@
+/// \file
+/// Pictures of the workbench for the manual.
+#include "ui/Screenshots.h"
+
+#include "ui/frmAbout.h"
+#include "ui/frmMain.h"
+#include "ui/frmRename.h"
+#include "ui/frmSetts.h"
+#include "ui/frmStat.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QListWidget>
+#include <QThread>
+
+namespace {
+
+bool Save(QWidget& widget, const QString& path)
+{
+    widget.show();
+    widget.raise();
+    widget.activateWindow();
+    for (int i = 0; i < 10; ++i) {
+        QApplication::processEvents();
+        QThread::msleep(20);
+    }
+    return widget.grab().save(path);
+}
+
+} // namespace
+
+int TakeScreenshots(frmMain& window, const QString& folder)
+{
+    QDir().mkpath(folder);
+    bool ok = true;
+    const struct {
+        int view;
+        const char* file;
+    } shots[] = {{6, "main-ll.png"}, {8, "main-lalr.png"}, {2, "main-first.png"}};
+    for (const auto& shot : shots) {
+        window.SelectView(shot.view);
+        window.Analyse();
+        ok &= Save(window, folder + QStringLiteral("/") + QString::fromLatin1(shot.file));
+    }
+    // The precedence grid on the example, which has no empty rules.
+    const QString grammar = window.workspace().grammar.Path();
+    if (window.TKGOpen(QStringLiteral(TRELK_DOCS_DIR "/../examples/expr.tkg"))) {
+        window.SelectView(11);
+        window.Analyse();
+        ok &= Save(window, folder + QStringLiteral("/main-opr.png"));
+        if (!grammar.isEmpty())
+            window.TKGOpen(grammar);
+    }
+    frmSetts options(window.workspace().settings, &window);
+    ok &= Save(options, folder + QStringLiteral("/options.png"));
+    frmStat stat(window.workspace().grammar, &window);
+    stat.List1->setCurrentRow(0);
+    ok &= Save(stat, folder + QStringLiteral("/statistics.png"));
+    frmRename rename(window.workspace().grammar.Name(), &window);
+    ok &= Save(rename, folder + QStringLiteral("/rename.png"));
+    frmAbout about(&window);
+    ok &= Save(about, folder + QStringLiteral("/about.png"));
+    return ok ? 0 : 1;
+}

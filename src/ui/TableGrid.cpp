@@ -1,0 +1,195 @@
+/// \file
+/// The table grid.
+#include "ui/TableGrid.h"
+
+#include "analysers/AnalysisRun.h"
+
+#include <QBrush>
+#include <QFontMetrics>
+#include <algorithm>
+#include <QFontDatabase>
+#include <QHeaderView>
+#include <QRegularExpression>
+
+namespace {
+
+quint64 Key(int row, int column)
+{
+    return (static_cast<quint64>(static_cast<quint32>(row)) << 32) | static_cast<quint32>(column);
+}
+
+const LrResults* LrOf(const Workspace& ws, int view)
+{
+    switch (view) {
+    case View::SLR:
+        return &ws.slr;
+    case View::LALR:
+        return &ws.lalr;
+    case View::LR:
+        return &ws.lr;
+    default:
+        return nullptr;
+    }
+}
+
+const PrecedenceResults* PrecedenceOf(const Workspace& ws, int view)
+{
+    return view == View::SPR ? &ws.spr : view == View::OPR ? &ws.opr : nullptr;
+}
+
+} // namespace
+
+TableModel::TableModel(Workspace& workspace, QObject* parent)
+    : QAbstractTableModel(parent)
+    , m_ws(workspace)
+{
+}
+
+void TableModel::ShowView(int view)
+{
+    beginResetModel();
+    m_view = -1;
+    m_rows = m_columns = 0;
+    m_conflicts.clear();
+    const Grammar& g = m_ws.grammar;
+    if (view >= View::LL && view < View::Count && g.GetFlag(view)) {
+        m_view = view;
+        if (view == View::LL) {
+            m_rows = m_ws.ll.synta.Rows();
+            m_columns = m_ws.ll.synta.Columns();
+            for (int r = 0; r < m_rows; ++r)
+                for (int c = 0; c < m_columns; ++c)
+                    if (m_ws.ll.synta.IsConflict(r, c))
+                        m_conflicts.insert(Key(r, c));
+        } else if (const LrResults* lr = LrOf(m_ws, view)) {
+            m_rows = lr->States();
+            m_columns = g.lastCode + 1;
+            // "Unable to write reduce -3 in [5,2]." marks cell [5,2].
+            static const QRegularExpression place(QStringLiteral("\\[(\\d+),(\\d+)\\]\\.$"));
+            for (const QString& line : lr->conflicts) {
+                const QRegularExpressionMatch m = place.match(line);
+                if (m.hasMatch())
+                    m_conflicts.insert(Key(m.captured(1).toInt(), m.captured(2).toInt()));
+            }
+        } else if (const PrecedenceResults* p = PrecedenceOf(m_ws, view)) {
+            m_rows = m_columns = p->Size();
+            for (int r = 0; r < m_rows; ++r)
+                for (int c = 0; c < m_columns; ++c)
+                    if (p->Cell(r, c).size() > 1)
+                        m_conflicts.insert(Key(r, c));
+        }
+    }
+    endResetModel();
+}
+
+int TableModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : m_rows;
+}
+
+int TableModel::columnCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : m_columns;
+}
+
+QString TableModel::CellText(int row, int column) const
+{
+    if (m_view == View::LL)
+        return m_ws.ll.synta.CellText(row, column);
+    if (const LrResults* lr = LrOf(m_ws, m_view)) {
+        const int cell = RowEntry(lr->rows[static_cast<std::size_t>(row)], column);
+        if (cell == 0)
+            return QString();
+        if (cell == lr->States())
+            return QStringLiteral("acc");
+        if (cell < 0)
+            return QStringLiteral("r") + QString::number(-cell);
+        return (m_ws.grammar.IsNonterminal(column) ? QStringLiteral("g") : QStringLiteral("s")) + QString::number(cell);
+    }
+    if (const PrecedenceResults* p = PrecedenceOf(m_ws, m_view)) {
+        const Settings& s = m_ws.settings;
+        QStringList marks;
+        for (int code : p->Cell(row, column))
+            marks << (code == s.pSignLT ? QStringLiteral("<.") : code == s.pSignEQ ? QStringLiteral(".=")
+                                                                                   : QStringLiteral(".>"));
+        return marks.join(QLatin1Char(' '));
+    }
+    return QString();
+}
+
+bool TableModel::IsConflict(int row, int column) const
+{
+    return m_conflicts.contains(Key(row, column));
+}
+
+QVariant TableModel::data(const QModelIndex& index, int role) const
+{
+    if (!index.isValid())
+        return QVariant();
+    switch (role) {
+    case Qt::DisplayRole:
+        return CellText(index.row(), index.column());
+    case Qt::BackgroundRole:
+        if (IsConflict(index.row(), index.column()))
+            return QBrush(QColor(0xff, 0xc8, 0xc8));
+        if (m_view >= View::SLR && m_view <= View::LR && m_ws.grammar.IsNonterminal(index.column()))
+            return QBrush(QColor(0xf4, 0xf6, 0xfb));  // the goto part
+        return QVariant();
+    case Qt::ForegroundRole: {
+        const QString text = CellText(index.row(), index.column());
+        if (text.startsWith(QLatin1Char('r')))
+            return QBrush(QColor(0x9c, 0x2a, 0x1a));
+        if (text == QStringLiteral("acc") || text == QStringLiteral("ACC"))
+            return QBrush(QColor(0x1b, 0x7a, 0x2e));
+        return QVariant();
+    }
+    case Qt::TextAlignmentRole:
+        return int(Qt::AlignCenter);
+    case Qt::ToolTipRole:
+        if (IsConflict(index.row(), index.column()))
+            return tr("Conflict: more than one entry wanted this cell");
+        return QVariant();
+    default:
+        return QVariant();
+    }
+}
+
+QVariant TableModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (role != Qt::DisplayRole)
+        return QAbstractTableModel::headerData(section, orientation, role);
+    const Grammar& g = m_ws.grammar;
+    if (orientation == Qt::Vertical && LrOf(m_ws, m_view))
+        return QString::number(section);  // states
+    return g.GetSymbolS(section);  // codes: the end marker, terminals, non-terminals
+}
+
+TableGrid::TableGrid(Workspace& workspace, QWidget* parent)
+    : QTableView(parent)
+    , m_model(workspace)
+{
+    setObjectName(QStringLiteral("Picture1"));
+    setModel(&m_model);
+    QFont mono(QStringLiteral("Courier New"));
+    mono.setStyleHint(QFont::Monospace);
+    setFont(mono);
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 4);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+}
+
+void TableGrid::ShowView(int view, int cellWidth)
+{
+    m_model.ShowView(view);
+    // Columns are "CellWidth" characters wide, widened (up to 14 characters) so
+    // that the symbol heading each one can be read.
+    const int charWidth = fontMetrics().horizontalAdvance(QLatin1Char('M'));
+    const int base = charWidth * std::max(cellWidth, 3) + 8;
+    const int widest = charWidth * 14 + 8;
+    horizontalHeader()->setDefaultSectionSize(base);
+    const QFontMetrics header(horizontalHeader()->font());
+    for (int c = 0; c < m_model.columnCount(); ++c) {
+        const int wanted = header.horizontalAdvance(m_model.headerData(c, Qt::Horizontal, Qt::DisplayRole).toString()) + 12;
+        horizontalHeader()->resizeSection(c, std::clamp(wanted, base, widest));
+    }
+}
