@@ -39,6 +39,7 @@
 namespace {
 
 const QString kProduct = QStringLiteral("2016 KAVEN TRELK");
+const QString kRecentSection = QStringLiteral("Recent");
 constexpr int kRecentCount = 6;
 
 struct ViewInfo {
@@ -192,6 +193,14 @@ frmMain::frmMain(Host* messages, const QString& settingsFile)
     statusBar()->addWidget(sElapsed, 1);
 
     BuildMenus();
+    // The recent files live in their own section of the settings file.
+    if (!m_ini.File().isEmpty())
+        for (int i = 1; i <= kRecentCount; ++i) {
+            const QString path = m_ini.GetSetting(kProduct, kRecentSection, QStringLiteral("File%1").arg(i), QString());
+            if (!path.isEmpty())
+                m_recent << path;
+        }
+    RefreshRecentMenu();
     connect(Text1, &QPlainTextEdit::textChanged, this, &frmMain::OnGrammarEdited);
     resize(1100, 720);
     SelectView(View::Grammar);
@@ -695,4 +704,6 @@ void frmMain::WriteSettingsAtClose()
     s.left = static_cast<float>(pos().x());
     s.top = static_cast<float>(pos().y());
     WriteSettings(m_ini, s, m_ws->grammar.Path());
+    for (int i = 1; i <= kRecentCount; ++i)
+        m_ini.SaveSetting(kProduct, kRecentSection, QStringLiteral("File%1").arg(i), m_recent.value(i - 1));
 }

@@ -10,6 +10,7 @@
 #include "ui/frmRename.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
@@ -322,6 +323,26 @@ TEST(MainWindow, SettingsAreReadAtStartAndWrittenAtClose)
     EXPECT_TRUE(written.contains(QStringLiteral("GenerateRules=0\r\n")));
     EXPECT_TRUE(written.contains(QStringLiteral("Left=")));
     EXPECT_TRUE(host.criticals.isEmpty());
+
+    // The recent files come back at the next start.
+    const QString grammar = dir + QStringLiteral("/g.tkg");
+    {
+        QFile f(grammar);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write("<S>\r\n<S>=[a]\r\n");
+    }
+    frmMain* second = Main(options, status);
+    ASSERT_NE(second, nullptr);
+    ASSERT_TRUE(second->TKGOpen(grammar));
+    second->close();
+    delete second;
+    options.commandLine.clear();
+    frmMain* third = Main(options, status);
+    ASSERT_NE(third, nullptr);
+    EXPECT_EQ(third->RecentFiles().value(0), QDir::toNativeSeparators(grammar));
+    EXPECT_EQ(third->workspace().grammar.Path(), QDir::toNativeSeparators(grammar));  // "FilePath" reopened
+    third->close();
+    delete third;
 
     // A non-numeric setting ends start-up with a message naming the key, nothing written.
     {
