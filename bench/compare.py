@@ -65,6 +65,9 @@ def main():
     parser.add_argument("--canonical-limit", type=float, default=5.0)
     parser.add_argument("names", nargs="*")
     args = parser.parse_args()
+    args.cli = os.path.abspath(args.cli)  # the runs happen in a scratch folder
+    if not os.access(args.cli, os.X_OK):
+        sys.exit(f"compare.py: no trelk-cli at {args.cli} (run make build first)")
 
     with open(os.path.join(args.corpus, "baseline.tsv")) as f:
         baseline = {row["name"]: row for row in csv.DictReader(f, delimiter="\t")}
