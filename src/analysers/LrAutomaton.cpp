@@ -410,12 +410,14 @@ const std::vector<int>& Lr1Closure::Compute(const std::vector<int>& kernel, cons
             if (d >= g.firstNonterminal)
                 m_la[static_cast<std::size_t>(d)].Merge(m_lg.tailFirst[static_cast<std::size_t>(item)]);
         }
+    // First in, first out, starting in left-corner order: along a chain of
+    // non-terminals each look-ahead set is passed on once, not once per change
+    // above it.
     m_work = m_nts;
     for (int c : m_nts)
         m_queued[static_cast<std::size_t>(c)] = 1;
-    while (!m_work.empty()) {
-        const int c = m_work.back();
-        m_work.pop_back();
+    for (std::size_t head = 0; head < m_work.size(); ++head) {
+        const int c = m_work[head];
         m_queued[static_cast<std::size_t>(c)] = 0;
         for (int r : items.RulesOf(c)) {
             const int item = items.Item(r, 0);
