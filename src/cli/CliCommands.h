@@ -50,3 +50,5 @@ int CmdSummary(Workspace& workspace, const CliOptions& options, const QStringLis
 int CmdView(Workspace& workspace, const CliOptions& options, const QStringList& args);
 int CmdSets(Workspace& workspace, const CliOptions& options, const QStringList& args);
 int CmdCompile(Workspace& workspace, const CliOptions& options, const QStringList& args);
+/// transform GRAMMAR CODE: writes GRAMMAR's name + "-CODE.tkg" and prints its path.
+int CmdTransform(Workspace& workspace, const CliOptions& options, const QStringList& args);

@@ -21,6 +21,10 @@ const char kUsage[] =
     "                       one line per method: verdict, size, conflicts, time\n"
     "  compile GRAMMAR      run every analysis, save GRAMMAR and its companion .tkc as\n"
     "                       the workbench saves them, print the companion's path\n"
+    "  transform GRAMMAR CODE\n"
+    "                       write GRAMMAR-CODE.tkg beside GRAMMAR, print its path; CODE is\n"
+    "                       GR RC RE LF LR UU (group rules, remove cycles, empty rules,\n"
+    "                       left factoring, left recursion, unused symbols)\n"
     "VIEW is 0-11 or grammar symbols first basis followl followr ll slr lalr lr spr opr.\n";
 
 int Usage(const QString& problem)
@@ -77,6 +81,7 @@ int main(int argc, char** argv)
         {"export", 2, 2, CmdExport},
         {"summary", 1, 4, CmdSummary},
         {"compile", 1, 1, CmdCompile},
+        {"transform", 2, 2, CmdTransform},
     };
     for (const Command& c : commands) {
         if (command != QLatin1String(c.name))

@@ -11,7 +11,9 @@
 #include "ui/GuiHost.h"
 #include "ui/TableGrid.h"
 #include "ui/frmAbout.h"
+#include "transform/Transform.h"
 #include "ui/frmRename.h"
+#include "ui/frmReplace.h"
 #include "ui/frmSetts.h"
 #include "ui/frmStat.h"
 
@@ -308,9 +310,14 @@ void frmMain::BuildMenus()
     mnuActSep1->setObjectName(QStringLiteral("mnuActSep1"));
     mnuActGroup = transform("mnuActGroup", QStringLiteral("&Группировать правила"));
     mnuActReplace = transform("mnuActReplace", QStringLiteral("&Переименовать символы"));
-    // The transformations arrive with their own commands; until then the entries are shown, not offered.
-    for (QAction* a : mnuAction->actions())
-        a->setEnabled(false);
+    const std::pair<QAction*, QString> commands[] = {
+        {mnuActUnused, TransformCode::RemoveUnusedSymbols},  {mnuActLeftRecursion, TransformCode::LeftRecursion},
+        {mnuActLeftFactoring, TransformCode::LeftFactoring}, {mnuActEmptyRules, TransformCode::RemoveEmptyRules},
+        {mnuActCycleRules, TransformCode::RemoveCycles},     {mnuActGroup, TransformCode::GroupRules},
+    };
+    for (const auto& [action, code] : commands)
+        connect(action, &QAction::triggered, this, [this, code = code] { Transform(code); });
+    connect(mnuActReplace, &QAction::triggered, this, &frmMain::RenameSymbols);
 
     mnuClear = action("mnuClear", QStringLiteral("&Очистить"), &frmMain::Clear);
     mnuExport = action("mnuExport", QStringLiteral("&Экспорт"), &frmMain::Export, QKeySequence(QStringLiteral("Ctrl+E")));
@@ -637,6 +644,41 @@ void frmMain::dropEvent(QDropEvent* event)
     const QList<QUrl> urls = event->mimeData()->urls();
     if (!urls.isEmpty() && urls.first().isLocalFile())
         TKGOpen(urls.first().toLocalFile());
+}
+
+// ---- Transformations ---------------------------------------------------------------------
+
+void frmMain::Transform(const QString& code)
+{
+    if (processing)
+        return;
+    ProcessStart();
+    QString newText;
+    const QString written = RunTransformation(*m_ws, code, Text1->CrLfText(), newText);
+    ProcessStop();
+    if (written.isEmpty())
+        return;  // refused, stopped or not needed: the host has said why where there is a reason
+    // The result is the new grammar: the window starts afresh on the file just written.
+    FileNew();
+    TKGOpen(written);
+}
+
+void frmMain::RenameSymbols()
+{
+    if (processing)
+        return;
+    if (!m_ws->grammar.Parsed() && !AnalyzeGrammar())
+        return;
+    frmReplace dialog(m_ws->grammar, this);
+    connect(&dialog, &frmReplace::ResetText, this, [this](const QString& text) {
+        // The renamed grammar replaces the editor's text and is saved with its file.
+        SetText1(text);
+        m_modified = true;
+        GrammarSave();
+        SetCaption();
+    });
+    dialog.exec();
+    ShowKeptResults();
 }
 
 // ---- Other commands ---------------------------------------------------------------------

@@ -114,6 +114,11 @@ public:
     void Options();
     void Help();
     void About();
+    /// A command of the Transform menu by its code (GR RC RE LF LR UU): the result
+    /// is written beside the grammar and opened.
+    void Transform(const QString& code);
+    /// The Rename symbols dialog.
+    void RenameSymbols();
 
     /// The recently opened grammar files, newest first.
     QStringList RecentFiles() const { return m_recent; }

@@ -284,6 +284,29 @@ TEST(MainWindow, ExportWritesTheSelectedView)
     qunsetenv("SOURCE_DATE_EPOCH");
 }
 
+TEST(MainWindow, TransformMenuWritesAndOpensTheResult)
+{
+    const QString dir = ScratchDir(QStringLiteral("ui-transform"));
+    Window win;
+    win.w->SetText1(kExpr);
+    win.w->mnuActLeftRecursion->trigger();
+    EXPECT_EQ(win.host.informations, QStringList{QStringLiteral("Save Grammar first.")});
+    KAVENDialog::SetScriptedAnswer([&](const KAVENDialog&) { return dir + QStringLiteral("/expr.tkg"); });
+    win.w->mnuFileSaveAs->trigger();
+    KAVENDialog::SetScriptedAnswer({});
+    win.w->mnuActLeftRecursion->trigger();
+    EXPECT_TRUE(QFile::exists(dir + QStringLiteral("/expr-LR.tkg")));
+    EXPECT_EQ(win.w->windowTitle(), QStringLiteral("2016 KAVEN TRELK \u2014 expr-LR"));
+    // The new grammar is open: LL(1) no longer refuses it for left recursion.
+    win.w->SelectView(6);
+    win.w->mnuAnalyse->trigger();
+    EXPECT_FALSE(win.w->workspace().grammar.GetFlag(GrammarFlag::LeftRecursive));
+    EXPECT_TRUE(win.w->workspace().grammar.GetFlag(GrammarFlag::AnalysedLL));
+    win.w->mnuActLeftFactoring->trigger();
+    EXPECT_TRUE(QFile::exists(dir + QStringLiteral("/expr-LR-LF.tkg")));
+    EXPECT_FALSE(win.w->Processing());
+}
+
 TEST(MainWindow, HelpOpensTheManual)
 {
     Window win;

@@ -1,0 +1,74 @@
+/// \file
+/// The transformation commands of the Transform menu: the frame they share
+/// (preconditions, the working copy, the result text and the result file named
+/// with the command code), the naming of new non-terminals, and the six grammar
+/// operations that work on the copy MakeACopy takes.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+class Grammar;
+class Workspace;
+
+/// The command codes, in the order of the Transform menu's table.
+namespace TransformCode {
+inline const QString GroupRules = QStringLiteral("GR");
+inline const QString RemoveCycles = QStringLiteral("RC");
+inline const QString RemoveEmptyRules = QStringLiteral("RE");
+inline const QString LeftFactoring = QStringLiteral("LF");
+inline const QString LeftRecursion = QStringLiteral("LR");
+inline const QString RemoveUnusedSymbols = QStringLiteral("UU");
+/// All six; a code outside this list is refused by RunTransformation.
+QStringList All();
+} // namespace TransformCode
+
+/// One command of the Transform menu, without its user-interface effects:
+///  - nothing at all for "GR" when the grammar has a single non-terminal;
+///  - "Save Grammar first." (information) when the grammar has no path;
+///  - editorText is parsed unless the grammar is parsed already; a text that
+///    does not parse stops the command (the parser has shown its message);
+///  - the working copy is made, the operation runs with InProcess raised (Stop
+///    clears it), and InProcess is cleared again;
+///  - newText is the grammar's text for "GR" and the returned lines, each
+///    followed by CR LF, for the others; empty when no lines came back, in which
+///    case the editor keeps its text and that text is what gets saved;
+///  - the result is written with WriteTextFile under TransformedPath.
+/// Returns the written path, or "" when nothing was written (a write failure is
+/// reported through the host). The window shows the busy pointer around the
+/// call, then runs File New, puts newText into the editor and opens the file.
+QString RunTransformation(Workspace& workspace, const QString& code, const QString& editorText, QString& newText);
+
+/// The result file of a command: path up to the last "." of its file name, then
+/// "-", code and ".tkg" (expr.tkg gives expr-LR.tkg, expr-LR.tkg gives
+/// expr-LR-LF.tkg). A file name without "." gets the suffix appended.
+QString TransformedPath(const QString& path, const QString& code);
+
+/// Appends a new non-terminal to the working copy's name table and returns its
+/// code. With letters off the name is base's name followed by as many "'" as
+/// make it free (E', E'', ...); with letters on the first free of A..Z, then
+/// AA..ZZ, then the apostrophe rule. A name is free when no non-terminal of the
+/// copy bears it, letter case disregarded.
+int NewNonterminal(Grammar& g, int base, bool letters);
+
+// The six operations. They read and change the working copy only (GroupRules
+// excepted: it rewrites the grammar in place and parses it again). Each list
+// operation returns the new grammar as lines of the notation: the goal line
+// "<S>" first, then one line "<A>=..." per rule; an empty list when the run was
+// stopped or refused (the reason is then shown through the host).
+
+/// Brings the rules of each non-terminal together, in code order, keeping
+/// their relative order; then regenerates the text and parses it again.
+void GroupRules(Grammar& g);
+/// Drops the rules of barren non-terminals, then of those no kept right part uses.
+QStringList RemoveUnusedSymbols(Grammar& g);
+/// An equivalent grammar without empty rules (but for a goal that does not
+/// occur on any right side and derives the empty sentence).
+QStringList RemoveEmptyRules(Grammar& g, bool letters);
+/// An equivalent grammar in which no non-terminal derives itself (A =>+ A).
+QStringList RemoveCycles(Grammar& g, bool letters);
+/// An equivalent grammar in which no two rules of one non-terminal start with
+/// the same symbol.
+QStringList LeftFactoring(Grammar& g, bool letters);
+/// An equivalent grammar without direct, indirect or hidden left recursion.
+QStringList LeftRecursion(Grammar& g, bool letters);
