@@ -12,23 +12,6 @@
 
 namespace {
 
-struct CliRun {
-    int status = -1;
-    QString out, err;
-};
-
-CliRun Cli(const QStringList& args)
-{
-    QProcess p;
-    p.start(BuiltProgram(QStringLiteral("bin/trelk-cli")), args);
-    EXPECT_TRUE(p.waitForFinished(120000));
-    CliRun r;
-    r.status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
-    r.out = QString::fromUtf8(p.readAllStandardOutput());
-    r.err = QString::fromUtf8(p.readAllStandardError());
-    return r;
-}
-
 /// A copy of a corpus grammar in a scratch folder (the corpus itself is never written).
 QString CopyOfCorpus(const QString& folder, const QString& name)
 {

@@ -12,23 +12,6 @@
 
 namespace {
 
-struct CliRun {
-    int status = -1;
-    QString out, err;
-};
-
-CliRun Cli(const QStringList& args)
-{
-    QProcess p;
-    p.start(BuiltProgram(QStringLiteral("bin/trelk-cli")), args);
-    EXPECT_TRUE(p.waitForFinished(60000));
-    CliRun r;
-    r.status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
-    r.out = QString::fromUtf8(p.readAllStandardOutput());
-    r.err = QString::fromUtf8(p.readAllStandardError());
-    return r;
-}
-
 const QString kExample = QStringLiteral(TRELK_SOURCE_DIR "/examples/expr.tkg");
 
 /// A golden report as the CLI prints it: LF line ends.

@@ -11,23 +11,6 @@
 
 namespace {
 
-struct CliResult {
-    int status = -1;
-    QString out, err;
-};
-
-CliResult Cli(const QStringList& args)
-{
-    QProcess p;
-    p.start(BuiltProgram(QStringLiteral("bin/trelk-cli")), args);
-    EXPECT_TRUE(p.waitForFinished(60000));
-    CliResult r;
-    r.status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
-    r.out = QString::fromUtf8(p.readAllStandardOutput());
-    r.err = QString::fromUtf8(p.readAllStandardError());
-    return r;
-}
-
 /// Writes an INI file dated long ago, so that any write shows in its time.
 QString OldIni(const QString& name, const QByteArray& bytes)
 {
@@ -58,7 +41,7 @@ TEST(CliSettings, ReadsTheIniFileAndNeverWritesIt)
     // the folder gains its separator, keys are missing.
     const QByteArray good = "[Main]\r\nCellWidth=1\r\nInitDir=C:/work\r\nLeft= 12.5 \r\n";
     const QString path = OldIni(QStringLiteral("good"), good);
-    const CliResult r = Cli({QStringLiteral("--ini"), path, QStringLiteral("check"), kExample});
+    const CliRun r = Cli({QStringLiteral("--ini"), path, QStringLiteral("check"), kExample});
     EXPECT_EQ(r.status, 0) << r.err.toStdString();
     EXPECT_EQ(r.out, QStringLiteral("OK: 5 terminals, 3 non-terminals, 6 rules\n"));
     EXPECT_EQ(r.err, QString());
@@ -69,7 +52,7 @@ TEST(CliSettings, ANonNumberEndsTheRunWithTheMessage)
 {
     const QByteArray bad = "[Main]\r\nMaxCycle=abc\r\n";
     const QString path = OldIni(QStringLiteral("bad"), bad);
-    const CliResult r = Cli({QStringLiteral("--ini"), path, QStringLiteral("check"), kExample});
+    const CliRun r = Cli({QStringLiteral("--ini"), path, QStringLiteral("check"), kExample});
     EXPECT_EQ(r.status, 1);
     EXPECT_EQ(r.out, QString());
     EXPECT_EQ(r.err, QStringLiteral("Settings file ") + QDir::toNativeSeparators(path)
@@ -80,7 +63,7 @@ TEST(CliSettings, ANonNumberEndsTheRunWithTheMessage)
     EXPECT_EQ(Cli({QStringLiteral("--ini"), window, QStringLiteral("check"), kExample}).status, 1);
 
     const QString absent = ScratchDir(QStringLiteral("cli-ini-absent")) + QStringLiteral("/none.ini");
-    const CliResult missing = Cli({QStringLiteral("--ini"), absent, QStringLiteral("check"), kExample});
+    const CliRun missing = Cli({QStringLiteral("--ini"), absent, QStringLiteral("check"), kExample});
     EXPECT_EQ(missing.status, 3);
     EXPECT_EQ(missing.err, QStringLiteral("trelk-cli: ") + absent + QStringLiteral(": no such file\n"));
     EXPECT_FALSE(QFile::exists(absent));

@@ -7,23 +7,6 @@
 
 namespace {
 
-struct CliRun {
-    int status = -1;
-    QString out, err;
-};
-
-CliRun Cli(const QStringList& args)
-{
-    QProcess p;
-    p.start(BuiltProgram(QStringLiteral("bin/trelk-cli")), args);
-    EXPECT_TRUE(p.waitForFinished(60000));
-    CliRun r;
-    r.status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
-    r.out = QString::fromUtf8(p.readAllStandardOutput());
-    r.err = QString::fromUtf8(p.readAllStandardError());
-    return r;
-}
-
 QString WriteFile(const QString& name, const QByteArray& bytes)
 {
     const QString path = ScratchDir(QStringLiteral("cli-") + name) + QLatin1Char('/') + name;

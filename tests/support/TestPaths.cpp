@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QDirIterator>
+#include <QProcess>
 #include <gtest/gtest.h>
 
 QString CorpusDir()
@@ -44,4 +45,16 @@ QString ScratchDir(const QString& name)
     QDir(path).removeRecursively();
     QDir().mkpath(path);
     return path;
+}
+
+CliRun Cli(const QStringList& args)
+{
+    QProcess p;
+    p.start(BuiltProgram(QStringLiteral("bin/trelk-cli")), args);
+    EXPECT_TRUE(p.waitForFinished(60000));
+    CliRun r;
+    r.status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
+    r.out = QString::fromUtf8(p.readAllStandardOutput());
+    r.err = QString::fromUtf8(p.readAllStandardError());
+    return r;
 }

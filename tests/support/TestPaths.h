@@ -18,3 +18,11 @@ QString ReadGrammarText(const QString& path);
 QString BuiltProgram(const QString& relative);
 /// A fresh folder under the build tree, removed at the start of each run.
 QString ScratchDir(const QString& name);
+
+/// What a run of trelk-cli gave: the exit status (-1 for a crash) and its output.
+struct CliRun {
+    int status = -1;
+    QString out, err;
+};
+/// Runs the built trelk-cli with args and waits for it (a minute at most).
+CliRun Cli(const QStringList& args);
