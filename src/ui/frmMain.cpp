@@ -2,6 +2,7 @@
 /// The main window.
 #include "ui/frmMain.h"
 
+#include "analysers/LrAnalyser.h"
 #include "output/Export.h"
 #include "storage/Folders.h"
 #include "storage/GrammarFile.h"
@@ -236,6 +237,13 @@ void frmMain::BuildViewSelector(QWidget* bar)
     }
     connect(group, &QButtonGroup::idClicked, this, &frmMain::SelectView);
     toolbar->addSeparator();
+    itemsButton = new QToolButton;
+    itemsButton->setObjectName(QStringLiteral("itemsButton"));
+    itemsButton->setText(QStringLiteral("Items"));
+    itemsButton->setToolTip(QStringLiteral("LR views: show the item sets of the states instead of the table listing"));
+    itemsButton->setCheckable(true);
+    connect(itemsButton, &QToolButton::toggled, this, [this] { ShowKeptResults(); });
+    toolbar->addWidget(itemsButton);
     recentButton = new QToolButton;
     recentButton->setObjectName(QStringLiteral("recentButton"));
     recentButton->setText(QStringLiteral("Recent"));
@@ -400,6 +408,8 @@ void frmMain::Analyse()
     m_host->lastCritical.clear();
     ::Analyse(*m_ws, *this, m_view);
     ShowParseErrorPlace(m_host->lastCritical);
+    if (itemsButton->isChecked() && m_view >= View::SLR && m_view <= View::LR && m_ws->grammar.GetFlag(m_view))
+        ShowKeptResults();  // the item sets, as the Items button asks
     Picture1->ShowView(m_view, m_ws->settings.cellWidth);
 }
 
@@ -444,7 +454,11 @@ void frmMain::ShowKeptResults()
         SetText2(ViewReport(*m_ws, m_view));
     } else {
         std::unique_ptr<IAnazer> analyser = MakeAnalyser(*m_ws, m_view);
-        SetText2(analyser ? analyser->ExportDisplay() : NotAnalyzed);
+        auto* lr = dynamic_cast<LrAnalyser*>(analyser.get());
+        if (lr && itemsButton->isChecked())
+            SetText2(lr->ItemDisplay());
+        else
+            SetText2(analyser ? analyser->ExportDisplay() : NotAnalyzed);
         if (const SavedStatus* saved = SavedStatusOf(*m_ws, m_view)) {
             sState->setText(saved->state.isEmpty() ? QStringLiteral("State:") : saved->state);
             sPass->setText(saved->pass.isEmpty() ? QStringLiteral("Pass:") : saved->pass);

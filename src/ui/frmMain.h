@@ -71,6 +71,7 @@ public:
     QLabel* sElapsed = nullptr;
     QLabel* sState = nullptr;
     QToolButton* recentButton = nullptr;
+    QToolButton* itemsButton = nullptr;  ///< LR views: the item sets instead of the table listing
 
     QMenu* mnuFile = nullptr;
     QAction* mnuFileNew = nullptr;

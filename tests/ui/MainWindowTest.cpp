@@ -160,6 +160,19 @@ TEST(MainWindow, StopEndsALongRun)
     EXPECT_EQ(win.w->Picture1->Model().rowCount(), 0);
 }
 
+TEST(MainWindow, ItemsButtonShowsTheItemSets)
+{
+    Window win;
+    win.w->SetText1(kExpr);
+    win.w->SelectView(8);
+    win.w->itemsButton->setChecked(true);
+    win.w->mnuAnalyse->trigger();
+    EXPECT_TRUE(win.Output().startsWith(QStringLiteral("State 0\n    <'> = \u2022 <E>\n"))) << win.Output().toStdString();
+    win.w->itemsButton->setChecked(false);
+    EXPECT_TRUE(win.Output().startsWith(QStringLiteral("State 0\n    [(]")));
+    EXPECT_EQ(win.Output(), Lf(win.w->workspace().lalr.tableText));
+}
+
 TEST(MainWindow, ReselectingAViewShowsItsKeptResults)
 {
     Window win;
