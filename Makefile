@@ -36,11 +36,13 @@ bench: build
 	python3 bench/compare.py --cli $(BUILD)/bin/trelk-cli
 
 # Pictures of the window and the dialogs for the manual, under a virtual X server.
+# The grammar is copied first: a run saves its grammar (and companion) as the window does.
 SHOT_GRAMMAR ?= $(firstword $(wildcard ../shared/corpus/calc.tkg) examples/expr.tkg)
 screenshot: build
 	rm -f $(BUILD)/screenshot.ini
+	cp $(SHOT_GRAMMAR) $(BUILD)/screenshot.tkg
 	xvfb-run -a -s "-screen 0 1280x1024x24" ./$(BUILD)/bin/trelk --ini $(BUILD)/screenshot.ini \
-	  --screenshot docs/screenshots $(SHOT_GRAMMAR)
+	  --screenshot docs/screenshots $(BUILD)/screenshot.tkg
 
 clean:
 	rm -rf $(BUILD)

@@ -10,6 +10,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFile>
 #include <QListWidget>
 #include <QThread>
 
@@ -42,9 +43,12 @@ int TakeScreenshots(frmMain& window, const QString& folder)
         window.Analyse();
         ok &= Save(window, folder + QStringLiteral("/") + QString::fromLatin1(shot.file));
     }
-    // The precedence grid on the example, which has no empty rules.
+    // The precedence grid on a copy of the example (a run saves its grammar), which has no empty rules.
     const QString grammar = window.workspace().grammar.Path();
-    if (window.TKGOpen(QStringLiteral(TRELK_DOCS_DIR "/../examples/expr.tkg"))) {
+    const QString copy = QDir::tempPath() + QStringLiteral("/trelk-screenshot-expr.tkg");
+    QFile::remove(copy);
+    QFile::copy(QStringLiteral(TRELK_DOCS_DIR "/../examples/expr.tkg"), copy);
+    if (window.TKGOpen(copy)) {
         window.SelectView(11);
         window.Analyse();
         ok &= Save(window, folder + QStringLiteral("/main-opr.png"));
