@@ -78,11 +78,16 @@ bool LrAnalyser::Analyze()
             }
         }
         std::sort(touched.begin(), touched.end());
-        row.clear();
+        // Packed at its exact size, and the state's reduce list let go: on the large
+        // grammars these are most of what the run holds.
+        SparseRow packed;
+        packed.reserve(touched.size());
         for (int c : touched) {
-            row.emplace_back(c, dense[static_cast<std::size_t>(c)]);
+            packed.emplace_back(c, dense[static_cast<std::size_t>(c)]);
             dense[static_cast<std::size_t>(c)] = 0;
         }
+        row.swap(packed);
+        std::vector<std::pair<int, std::vector<int>>>().swap(reduces[static_cast<std::size_t>(s)]);
     }
     const bool verdict = m_results.conflicts.isEmpty();
     g.SetFlag(m_kind.verdictFlag, verdict);
