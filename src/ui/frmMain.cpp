@@ -468,11 +468,20 @@ void frmMain::ShowKeptResults()
     Picture1->ShowView(m_view, m_ws->settings.cellWidth);
 }
 
-void frmMain::ResetText()
+void frmMain::ResetResults()
 {
     m_ws->grammar.Clear();
     m_ws->ResetResults();
     ShowKeptResults();
+}
+
+void frmMain::ResetText()
+{
+    // The grammar's own text (after a renaming) into the editor, then saved.
+    SetText1(m_ws->grammar.Text());
+    m_modified = true;
+    FileSave();
+    SetCaption();
 }
 
 void frmMain::OnGrammarEdited()
@@ -482,14 +491,14 @@ void frmMain::OnGrammarEdited()
     // Editing invalidates the previous parse and every result drawn from it.
     m_modified = true;
     if (m_ws->grammar.GetFlag(GrammarFlag::Parsed) || m_ws->grammar.terminalCount > 0)
-        ResetText();
+        ResetResults();
 }
 
 void frmMain::Clear()
 {
     if (processing)
         return;
-    ResetText();
+    ResetResults();
 }
 
 // ---- Files -----------------------------------------------------------------------------
@@ -684,13 +693,8 @@ void frmMain::RenameSymbols()
     if (!m_ws->grammar.Parsed() && !AnalyzeGrammar())
         return;
     frmReplace dialog(m_ws->grammar, this);
-    connect(&dialog, &frmReplace::ResetText, this, [this](const QString& text) {
-        // The renamed grammar replaces the editor's text and is saved with its file.
-        SetText1(text);
-        m_modified = true;
-        GrammarSave();
-        SetCaption();
-    });
+    // The renamed grammar's text replaces the editor's and is saved.
+    connect(&dialog, &frmReplace::ResetText, this, [this](const QString&) { ResetText(); });
     dialog.exec();
     ShowKeptResults();
 }

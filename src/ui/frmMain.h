@@ -40,8 +40,10 @@ public:
     void Analyse();
     void ProcessStart();
     void ProcessStop();
-    /// Resets every analysis result and shows the selected view empty.
+    /// Puts the grammar's own text into the editor and saves it (after a renaming).
     void ResetText();
+    /// Resets the parse and every analysis result; the selected view shows "Not analyzed.".
+    void ResetResults();
     void SetCaption();
     /// Opens a grammar file: its text into the editor, its companion file read.
     bool TKGOpen(const QString& path);

@@ -8,12 +8,14 @@
 #include "ui/TableGrid.h"
 #include "ui/frmMain.h"
 #include "ui/frmRename.h"
+#include "ui/frmReplace.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -318,6 +320,28 @@ TEST(MainWindow, TransformMenuWritesAndOpensTheResult)
     win.w->mnuActLeftFactoring->trigger();
     EXPECT_TRUE(QFile::exists(dir + QStringLiteral("/expr-LR-LF.tkg")));
     EXPECT_FALSE(win.w->Processing());
+}
+
+TEST(MainWindow, RenameSymbolsRewritesAndSavesTheGrammar)
+{
+    const QString dir = ScratchDir(QStringLiteral("ui-replace"));
+    Window win;
+    win.w->SetText1(kLL);
+    KAVENDialog::SetScriptedAnswer([&](const KAVENDialog&) { return dir + QStringLiteral("/r.tkg"); });
+    win.w->mnuFileSaveAs->trigger();
+    KAVENDialog::SetScriptedAnswer({});
+    QTimer::singleShot(0, [] {
+        auto* dialog = qobject_cast<frmReplace*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        dialog->List1->setCurrentRow(1);  // code 2: the terminal "a"
+        dialog->Text1->setText(QStringLiteral("id"));
+        dialog->cmdReplace->click();
+        dialog->cmdClose->click();
+    });
+    win.w->mnuActReplace->trigger();
+    EXPECT_TRUE(win.w->GrammarText().contains(QStringLiteral("<T>=[id]")));
+    EXPECT_TRUE(Bytes(dir + QStringLiteral("/r.tkg")).contains("<T>=[id]"));
+    EXPECT_FALSE(win.w->Modified());
 }
 
 TEST(MainWindow, HelpOpensTheManual)
