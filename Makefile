@@ -29,7 +29,7 @@ run: build
 	fi
 
 test: build
-	cd $(BUILD) && ctest --output-on-failure -j2
+	cd $(BUILD) && ctest --output-on-failure -j2 --timeout 300
 
 bench: build
 	./$(BUILD)/bin/trelk-bench

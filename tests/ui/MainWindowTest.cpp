@@ -21,6 +21,7 @@
 #include <QPushButton>
 #include <QTimer>
 #include <QToolButton>
+#include <functional>
 #include <gtest/gtest.h>
 
 namespace {
@@ -42,6 +43,22 @@ struct Window {
 QString Lf(const QString& text)
 {
     return QString(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+}
+
+/// Runs act on the modal dialog of type D as soon as it is shown (a run before it
+/// may turn the event loop, so a single zero-time shot could fire too early).
+template <typename D>
+void WhenShown(std::function<void(D*)> act)
+{
+    auto* timer = new QTimer;
+    QObject::connect(timer, &QTimer::timeout, [timer, act] {
+        if (auto* dialog = qobject_cast<D*>(QApplication::activeModalWidget())) {
+            timer->stop();
+            timer->deleteLater();
+            act(dialog);
+        }
+    });
+    timer->start(5);
 }
 
 QByteArray Bytes(const QString& path)
@@ -266,9 +283,7 @@ TEST(MainWindow, FileCommandsOnAFolder)
     EXPECT_EQ(win.w->windowTitle(), QStringLiteral("2016 KAVEN TRELK \u2014 sum"));
 
     // Rename: the dialog answers Enter with the new name.
-    QTimer::singleShot(0, [] {
-        auto* dialog = qobject_cast<frmRename*>(QApplication::activeModalWidget());
-        ASSERT_NE(dialog, nullptr);
+    WhenShown<frmRename>([](frmRename* dialog) {
         dialog->Text1->setText(QStringLiteral("total"));
         dialog->cmdRename->click();
     });
@@ -330,9 +345,7 @@ TEST(MainWindow, RenameSymbolsRewritesAndSavesTheGrammar)
     KAVENDialog::SetScriptedAnswer([&](const KAVENDialog&) { return dir + QStringLiteral("/r.tkg"); });
     win.w->mnuFileSaveAs->trigger();
     KAVENDialog::SetScriptedAnswer({});
-    QTimer::singleShot(0, [] {
-        auto* dialog = qobject_cast<frmReplace*>(QApplication::activeModalWidget());
-        ASSERT_NE(dialog, nullptr);
+    WhenShown<frmReplace>([](frmReplace* dialog) {
         dialog->List1->setCurrentRow(1);  // code 2: the terminal "a"
         dialog->Text1->setText(QStringLiteral("id"));
         dialog->cmdReplace->click();
