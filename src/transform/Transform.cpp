@@ -69,6 +69,33 @@ QString TransformedPath(const QString& path, const QString& code)
     return stem + QLatin1Char('-') + code + QStringLiteral(".tkg");
 }
 
+QString ApplyTransformation(Grammar& g, const QString& code, bool letters)
+{
+    g.MakeACopy();
+    g.SetInProcess(true);
+    QString text;
+    if (code == TransformCode::GroupRules) {
+        GroupRules(g);
+        text = g.Text();
+    } else {
+        QStringList lines;
+        if (code == TransformCode::RemoveCycles)
+            lines = RemoveCycles(g, letters);
+        else if (code == TransformCode::RemoveEmptyRules)
+            lines = RemoveEmptyRules(g, letters);
+        else if (code == TransformCode::LeftFactoring)
+            lines = LeftFactoring(g, letters);
+        else if (code == TransformCode::LeftRecursion)
+            lines = LeftRecursion(g, letters);
+        else
+            lines = RemoveUnusedSymbols(g);
+        for (const QString& line : lines)
+            text += line + QStringLiteral("\r\n");
+    }
+    g.SetInProcess(false);
+    return text;
+}
+
 QString RunTransformation(Workspace& workspace, const QString& code, const QString& editorText, QString& newText)
 {
     newText.clear();
@@ -90,29 +117,7 @@ QString RunTransformation(Workspace& workspace, const QString& code, const QStri
 
     const QString path = g.Path();
     const bool letters = workspace.settings.lfLetters != 0;
-    g.MakeACopy();
-    g.SetInProcess(true);
-    QStringList lines;
-    if (group)
-        GroupRules(g);
-    else if (code == TransformCode::RemoveCycles)
-        lines = RemoveCycles(g, letters);
-    else if (code == TransformCode::RemoveEmptyRules)
-        lines = RemoveEmptyRules(g, letters);
-    else if (code == TransformCode::LeftFactoring)
-        lines = LeftFactoring(g, letters);
-    else if (code == TransformCode::LeftRecursion)
-        lines = LeftRecursion(g, letters);
-    else
-        lines = RemoveUnusedSymbols(g);
-    g.SetInProcess(false);
-
-    if (group) {
-        newText = g.Text();
-    } else {
-        for (const QString& line : lines)
-            newText += line + QStringLiteral("\r\n");
-    }
+    newText = ApplyTransformation(g, code, letters);
     // On purpose: with no lines (stopped, or refused with a message) the editor
     // keeps its text, and that text is still saved under the new name.
     const QString saved = newText.isEmpty() ? editorText : newText;

@@ -39,6 +39,12 @@ QStringList All();
 /// call, then runs File New, puts newText into the editor and opens the file.
 QString RunTransformation(Workspace& workspace, const QString& code, const QString& editorText, QString& newText);
 
+/// The operation of one command on a parsed grammar: takes the working copy,
+/// runs with InProcess raised, and returns the result text — the grammar's text
+/// for "GR", the returned lines each followed by CR LF for the others ("" when
+/// the run was stopped or refused).
+QString ApplyTransformation(Grammar& g, const QString& code, bool letters);
+
 /// The result file of a command: path up to the last "." of its file name, then
 /// "-", code and ".tkg" (expr.tkg gives expr-LR.tkg, expr-LR.tkg gives
 /// expr-LR-LF.tkg). A file name without "." gets the suffix appended.

@@ -23,24 +23,10 @@ QString Apply(const QString& text, const QString& code, bool letters, Host& host
 {
     Grammar g(&host);
     EXPECT_TRUE(g.SetText(text)) << text.toStdString();
-    g.MakeACopy();
-    g.SetInProcess(true);
-    if (code == TransformCode::GroupRules) {
-        GroupRules(g);
-        return g.Text();
-    }
-    QStringList lines;
-    if (code == TransformCode::RemoveCycles)
-        lines = RemoveCycles(g, letters);
-    else if (code == TransformCode::RemoveEmptyRules)
-        lines = RemoveEmptyRules(g, letters);
-    else if (code == TransformCode::LeftFactoring)
-        lines = LeftFactoring(g, letters);
-    else if (code == TransformCode::LeftRecursion)
-        lines = LeftRecursion(g, letters);
-    else
-        lines = RemoveUnusedSymbols(g);
-    return lines.join(QStringLiteral("\r\n"));
+    QString result = ApplyTransformation(g, code, letters);
+    if (code != TransformCode::GroupRules && result.endsWith(QStringLiteral("\r\n")))
+        result.chop(2);  // lines joined, as the expected texts are written
+    return result;
 }
 
 QString Apply(const QString& text, const QString& code, bool letters = false)
