@@ -48,13 +48,6 @@ void AnalyseAll(Workspace& ws, const QString& text)
     ws.grammar.CommentedFollowR();
 }
 
-QByteArray ReadBytes(const QString& path)
-{
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-    return file.readAll();
-}
-
 void WriteBytes(const QString& path, const QByteArray& bytes)
 {
     QFile file(path);
@@ -97,7 +90,7 @@ TEST(CompiledGrammar, RoundTripRestoresEveryKeptResult)
     // every slot came back into the field it was written from.
     const QString again = ScratchDir(QStringLiteral("tkc-roundtrip-again")) + QStringLiteral("/g.tkc");
     ASSERT_TRUE(TKCSave(b, again, grammarPath, grammarName));
-    EXPECT_EQ(ReadBytes(again), ReadBytes(path));
+    EXPECT_EQ(FileBytes(again), FileBytes(path));
 
     // And the data itself, where a reading could lose what a writing keeps.
     EXPECT_TRUE(b.grammar.Parsed());
@@ -217,7 +210,7 @@ TEST(CompiledGrammar, FileFollowsTheSlotLayout)
     AnalyseAll(ws, SampleText());
     const QString path = ScratchDir(QStringLiteral("tkc-layout")) + QStringLiteral("/g.tkc");
     ASSERT_TRUE(TKCSave(ws, path, QStringLiteral("/g/Грамматика.tkg"), QStringLiteral("Грамматика")));
-    const QByteArray bytes = ReadBytes(path);
+    const QByteArray bytes = FileBytes(path);
     ASSERT_EQ(bytes.left(18), QByteArray("\r\n2010 KAVEN TRELK"));
 
     // Slots 2-85: 'i' a raw 32-bit integer, 'v' a tagged value.
@@ -264,9 +257,9 @@ TEST(CompiledGrammar, ForeignAndMissingCompanionsAreIgnoredSilently)
     AnalyseAll(source, SampleText());
     const QString good = dir + QStringLiteral("/good.tkc");
     ASSERT_TRUE(TKCSave(source, good, QString(), QString()));
-    QByteArray otherVersion = ReadBytes(good);
+    QByteArray otherVersion = FileBytes(good);
     otherVersion[18] = 2;
-    QByteArray lowerCase = ReadBytes(good);
+    QByteArray lowerCase = FileBytes(good);
     lowerCase[7] = 'k';
 
     RecordingHost host;
@@ -309,7 +302,7 @@ TEST(CompiledGrammar, DamagedFilesGiveOneErrorReportAndKeepWhatWasRestored)
     AnalyseAll(source, SampleText());
     const QString good = dir + QStringLiteral("/good.tkc");
     ASSERT_TRUE(TKCSave(source, good, QStringLiteral("/g/calc.tkg"), QStringLiteral("calc")));
-    const QByteArray bytes = ReadBytes(good);
+    const QByteArray bytes = FileBytes(good);
     // Slot 3 starts at 22: tag 8, count 4, "calc"; slot 4 at 30: tag, dimension
     // count, element count at 34, lower bound at 38.
     ASSERT_EQ(bytes.mid(22, 8), QByteArray("\x08\x00\x04\x00" "calc", 8));
@@ -503,7 +496,7 @@ TEST(CompiledGrammar, FailedSaveLeavesTheOldTextWhole)
     EXPECT_EQ(host.criticals,
               (QStringList{QStringLiteral("Error encountered: 75\r\nPath/File access error\r\nSource: TKCSave\r\n"),
                            QStringLiteral("Error encountered: 75\r\nPath/File access error\r\nSource: GrammarSaveAs\r\n")}));
-    EXPECT_EQ(ReadBytes(grammarFile), oldText);
+    EXPECT_EQ(FileBytes(grammarFile), oldText);
     // The old companion was deleted before the write, and no half-written file stands in its place.
     EXPECT_EQ(QDir(dir).entryList(QDir::Files), QStringList{QStringLiteral("g.tkg")});
 
@@ -514,7 +507,7 @@ TEST(CompiledGrammar, FailedSaveLeavesTheOldTextWhole)
     EXPECT_FALSE(GrammarSaveAs(ws, folder, SampleText()));
     EXPECT_EQ(host.criticals.size(), 1);
     EXPECT_TRUE(QFileInfo(folder).isDir());
-    EXPECT_EQ(ReadBytes(grammarFile), oldText);
+    EXPECT_EQ(FileBytes(grammarFile), oldText);
 }
 
 } // namespace

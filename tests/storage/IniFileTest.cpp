@@ -17,13 +17,6 @@ QString Scratch(const QString& name, const QByteArray& bytes)
     return path;
 }
 
-QByteArray Bytes(const QString& path)
-{
-    QFile f(path);
-    EXPECT_TRUE(f.open(QIODevice::ReadOnly)) << path.toStdString();
-    return f.readAll();
-}
-
 const QString kMain = QStringLiteral("Main");
 
 TEST(IniFile, MissingFileSectionOrKeyGivesTheDefault)
@@ -60,7 +53,7 @@ TEST(IniFile, NamesInAnyCaseSpacesAndQuotes)
 
     // The first key of the name is rewritten, keeping its spelling and spacing.
     ASSERT_TRUE(IniFile::WriteString(path, QStringLiteral("MAIN"), QStringLiteral("CellWidth"), QStringLiteral("9")));
-    EXPECT_EQ(Bytes(path), QByteArray("[ mAIN ]\r\n  cellwidth =  9\r\nQuoted=\"  a b \"\r\nHalf=\"x\r\nSingle='y'\r\n"
+    EXPECT_EQ(FileBytes(path), QByteArray("[ mAIN ]\r\n  cellwidth =  9\r\nQuoted=\"  a b \"\r\nHalf=\"x\r\nSingle='y'\r\n"
                                       "CellWidth=8\r\n[Раздел]\r\nключ=значение\r\n[main]\r\nLater=1\r\n"));
 }
 
@@ -70,7 +63,7 @@ TEST(IniFile, ReadsAtMost199Characters)
     const QString path = ScratchDir(QStringLiteral("ini-long")) + QStringLiteral("/TRELK.ini");
     ASSERT_TRUE(IniFile::WriteString(path, kMain, QStringLiteral("Long"), longValue));
     // The value is written whole; only reads are limited.
-    EXPECT_TRUE(Bytes(path).contains(longValue.toUtf8()));
+    EXPECT_TRUE(FileBytes(path).contains(longValue.toUtf8()));
     EXPECT_EQ(IniFile::ReadString(path, kMain, QStringLiteral("Long"), QString()), longValue.left(199));
     EXPECT_EQ(IniFile::ReadString(path, kMain, QStringLiteral("Long"), QString(), 100), longValue.left(99));
     EXPECT_EQ(IniFile::ReadString(path, kMain, QStringLiteral("Absent"), longValue), longValue.left(199));
@@ -97,7 +90,7 @@ TEST(IniFile, WritesChangeOnlyTheirLine)
     ASSERT_TRUE(IniFile::WriteString(path, kMain, QStringLiteral("MaxCycle"), QStringLiteral("20")));
     ASSERT_TRUE(IniFile::WriteString(path, kMain, QStringLiteral("NewKey"), QStringLiteral("v")));
     ASSERT_TRUE(IniFile::WriteString(path, QStringLiteral("Extra"), QStringLiteral("K"), QStringLiteral("w")));
-    EXPECT_EQ(Bytes(path), QByteArray("; TRELK settings\r\n"
+    EXPECT_EQ(FileBytes(path), QByteArray("; TRELK settings\r\n"
                                       "[Main]\r\n"
                                       "CellWidth=5\r\n"
                                       "  ; hand-written note\r\n"
@@ -115,12 +108,12 @@ TEST(IniFile, WritesChangeOnlyTheirLine)
     const QString lf = Scratch(QStringLiteral("lf"), "# notes\n[Main]\nA=1");
     ASSERT_TRUE(IniFile::WriteString(lf, kMain, QStringLiteral("B"), QStringLiteral("2")));
     ASSERT_TRUE(IniFile::WriteString(lf, kMain, QStringLiteral("A"), QStringLiteral("3\r\nInjected=1")));
-    EXPECT_EQ(Bytes(lf), QByteArray("# notes\n[Main]\nA=3  Injected=1\nB=2\n"));
+    EXPECT_EQ(FileBytes(lf), QByteArray("# notes\n[Main]\nA=3  Injected=1\nB=2\n"));
 
     // A section with no keys gets the key right after its header.
     const QString keyless = Scratch(QStringLiteral("keyless"), "[Main]\r\n; only a note\r\n[Next]\r\n");
     ASSERT_TRUE(IniFile::WriteString(keyless, kMain, QStringLiteral("A"), QStringLiteral("1")));
-    EXPECT_EQ(Bytes(keyless), QByteArray("[Main]\r\nA=1\r\n; only a note\r\n[Next]\r\n"));
+    EXPECT_EQ(FileBytes(keyless), QByteArray("[Main]\r\nA=1\r\n; only a note\r\n[Next]\r\n"));
 
     // A new file is CR LF; an empty value is a value.
     const QString fresh = ScratchDir(QStringLiteral("ini-fresh")) + QStringLiteral("/TRELK.ini");
@@ -128,7 +121,7 @@ TEST(IniFile, WritesChangeOnlyTheirLine)
     ASSERT_TRUE(IniFile::WriteString(fresh, QStringLiteral("Empty"), QStringLiteral("B"), QString()));
     EXPECT_EQ(IniFile::ReadString(fresh, QStringLiteral("Empty"), QStringLiteral("B"), QStringLiteral("d")), QString());
     ASSERT_TRUE(IniFile::WriteString(fresh, QStringLiteral("Empty"), QStringLiteral("B"), QStringLiteral("2")));
-    EXPECT_EQ(Bytes(fresh), QByteArray("[Main]\r\nA=1\r\n\r\n[Empty]\r\nB=2\r\n"));
+    EXPECT_EQ(FileBytes(fresh), QByteArray("[Main]\r\nA=1\r\n\r\n[Empty]\r\nB=2\r\n"));
 }
 
 TEST(IniFile, RefusedWritesChangeNothing)
@@ -145,13 +138,13 @@ TEST(IniFile, RefusedWritesChangeNothing)
              {QStringLiteral("Ma\nin"), QStringLiteral("A")}}) {
         EXPECT_FALSE(IniFile::WriteString(path, section, key, QStringLiteral("2"))) << key.toStdString();
     }
-    EXPECT_EQ(Bytes(path), original);
+    EXPECT_EQ(FileBytes(path), original);
 
     // A read-only settings file keeps its values.
     QFile::setPermissions(path, QFileDevice::ReadOwner);
     EXPECT_FALSE(IniFile::WriteString(path, kMain, QStringLiteral("A"), QStringLiteral("2")));
     QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    EXPECT_EQ(Bytes(path), original);
+    EXPECT_EQ(FileBytes(path), original);
 }
 
 TEST(IniFile, Windows1251FilesStayWindows1251WhileTheyCan)
@@ -163,17 +156,17 @@ TEST(IniFile, Windows1251FilesStayWindows1251WhileTheyCan)
 
     ASSERT_TRUE(IniFile::WriteString(path, kMain, QStringLiteral("Префикс"), QStringLiteral("ab")));
     ASSERT_TRUE(IniFile::WriteString(path, kMain, QStringLiteral("Тип"), QStringLiteral("я")));
-    EXPECT_EQ(Bytes(path), comment + "[Main]\r\n\xCF\xF0\xE5\xF4\xE8\xEA\xF1=ab\r\n\xD2\xE8\xEF=\xFF\r\n");
+    EXPECT_EQ(FileBytes(path), comment + "[Main]\r\n\xCF\xF0\xE5\xF4\xE8\xEA\xF1=ab\r\n\xD2\xE8\xEF=\xFF\r\n");
 
     // A character Windows-1251 lacks turns the whole file into UTF-8, text unchanged.
     ASSERT_TRUE(IniFile::WriteString(path, kMain, QStringLiteral("Тип"), QStringLiteral("ü")));
-    EXPECT_EQ(Bytes(path), QStringLiteral("; комментарий\r\n[Main]\r\nПрефикс=ab\r\nТип=ü\r\n").toUtf8());
+    EXPECT_EQ(FileBytes(path), QStringLiteral("; комментарий\r\n[Main]\r\nПрефикс=ab\r\nТип=ü\r\n").toUtf8());
 
     // A byte-order mark is kept and does not hide the first section.
     const QString bom = Scratch(QStringLiteral("bom"), "\xEF\xBB\xBF[Main]\r\nA=1\r\n");
     EXPECT_EQ(IniFile::ReadString(bom, kMain, QStringLiteral("A"), QString()), QStringLiteral("1"));
     ASSERT_TRUE(IniFile::WriteString(bom, kMain, QStringLiteral("A"), QStringLiteral("2")));
-    EXPECT_EQ(Bytes(bom), QByteArray("\xEF\xBB\xBF[Main]\r\nA=2\r\n"));
+    EXPECT_EQ(FileBytes(bom), QByteArray("\xEF\xBB\xBF[Main]\r\nA=2\r\n"));
 }
 
 } // namespace

@@ -23,13 +23,6 @@ QString Scratch(const QString& name, const QByteArray& bytes)
     return path;
 }
 
-QByteArray Bytes(const QString& path)
-{
-    QFile f(path);
-    EXPECT_TRUE(f.open(QIODevice::ReadOnly)) << path.toStdString();
-    return f.readAll();
-}
-
 PINI Ini(const QString& path)
 {
     PINI ini;
@@ -71,7 +64,7 @@ TEST(Settings, DefaultsWithoutAFileAndEveryKeyButTokenTypeWrittenAtClose)
     EXPECT_FALSE(QFile::exists(path));
 
     WriteSettings(Ini(path), s, Native(QStringLiteral("|g|expr.tkg")));
-    EXPECT_EQ(QString::fromUtf8(Bytes(path)),
+    EXPECT_EQ(QString::fromUtf8(FileBytes(path)),
               Native(QStringLiteral("[Main]\r\nLeft=128\r\nTop=96\r\nInitDir=|opt|trelk|\r\nSaveDir=|opt|trelk|\r\n"
                                     "TKCDir=|opt|trelk|\r\nFilePath=|g|expr.tkg\r\nGenerateRules=1\r\n"
                                     "GenerateRuleReverse=0\r\nGenerateComment=1\r\nGenerateRecognizer=0\r\n"
@@ -107,7 +100,7 @@ TEST(Settings, RoundTripKeepsEverythingElseAndRaisesCellWidth)
     WriteSettings(Ini(path), s, QString());
     // Changed lines are rewritten in place, missing keys follow the last key of
     // the section in the order of writing, and "FilePath" and "TokenType" stay.
-    EXPECT_EQ(QString::fromUtf8(Bytes(path)),
+    EXPECT_EQ(QString::fromUtf8(FileBytes(path)),
               Native(QStringLiteral("; written by hand\r\n[Window]\r\nLeft=5\r\n\r\n[main]\r\ncellwidth=3\r\n"
                                     "TokenType=int\r\n; keep this\r\nLeft = 12.25\r\nInitDir=C:|work|\r\n"
                                     "SaveDir=D:|out|\r\nFilePath=/old/g.tkg\r\nPUseQ=0\r\nPSignGT= -32768\r\n"

@@ -3,6 +3,7 @@
 #include "storage/GrammarFile.h"
 
 #include <QDir>
+#include <QFile>
 #include <QDirIterator>
 #include <QProcess>
 #include <gtest/gtest.h>
@@ -37,6 +38,12 @@ QString ReadGrammarText(const QString& path)
 QString BuiltProgram(const QString& relative)
 {
     return QStringLiteral(TRELK_BINARY_DIR "/") + relative;
+}
+
+QByteArray FileBytes(const QString& path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
 QString ScratchDir(const QString& name)

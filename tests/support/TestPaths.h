@@ -16,6 +16,8 @@ QStringList CorpusGrammars();
 QString ReadGrammarText(const QString& path);
 /// The path of a built program, e.g. BuiltProgram("bin/trelk-cli").
 QString BuiltProgram(const QString& relative);
+/// The bytes of a file; empty when it cannot be read.
+QByteArray FileBytes(const QString& path);
 /// A fresh folder under the build tree, removed at the start of each run.
 QString ScratchDir(const QString& name);
 

@@ -7,13 +7,6 @@
 
 namespace {
 
-QByteArray Bytes(const QString& path)
-{
-    QFile f(path);
-    EXPECT_TRUE(f.open(QIODevice::ReadOnly)) << path.toStdString();
-    return f.readAll();
-}
-
 TEST(CliTransform, WritesAndPrintsTheResultFile)
 {
     const QString dir = ScratchDir(QStringLiteral("cli-transform"));
@@ -29,7 +22,7 @@ TEST(CliTransform, WritesAndPrintsTheResultFile)
     const CliRun lr = Cli({QStringLiteral("transform"), grammar, QStringLiteral("LR")});
     EXPECT_EQ(lr.status, 0) << lr.err.toStdString();
     EXPECT_EQ(lr.out, dir + QStringLiteral("/expr-LR.tkg\n"));
-    EXPECT_EQ(Bytes(dir + QStringLiteral("/expr-LR.tkg")),
+    EXPECT_EQ(FileBytes(dir + QStringLiteral("/expr-LR.tkg")),
               "<E>\r\n<E>=<T><E'>\r\n<E'>=[+]<T><E'>\r\n<E'>=.\r\n<T>=<F><T'>\r\n<T'>=[*]<F><T'>\r\n<T'>=.\r\n"
               "<F>=[(]<E>[)]\r\n<F>=[a]\r\n");
 
@@ -40,7 +33,7 @@ TEST(CliTransform, WritesAndPrintsTheResultFile)
     EXPECT_EQ(lf.out, dir + QStringLiteral("/expr-LR-LF.tkg\n"));
     const CliRun again = Cli({QStringLiteral("--ini"), ini, QStringLiteral("transform"), grammar, QStringLiteral("lr")});
     EXPECT_EQ(again.status, 0);
-    EXPECT_TRUE(Bytes(dir + QStringLiteral("/expr-LR.tkg")).startsWith("<E>\r\n<E>=<T><A>\r\n<A>=[+]<T><A>\r\n"));
+    EXPECT_TRUE(FileBytes(dir + QStringLiteral("/expr-LR.tkg")).startsWith("<E>\r\n<E>=<T><A>\r\n<A>=[+]<T><A>\r\n"));
 }
 
 TEST(CliTransform, Failures)

@@ -61,12 +61,6 @@ void WhenShown(std::function<void(D*)> act)
     timer->start(5);
 }
 
-QByteArray Bytes(const QString& path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
 TEST(MainWindow, MenuBarHoldsEveryCommandInOrder)
 {
     Window win;
@@ -254,7 +248,7 @@ TEST(MainWindow, FileCommandsOnAFolder)
         return path;
     });
     win.w->mnuFileSaveAs->trigger();
-    EXPECT_EQ(Bytes(path), (kLL + QStringLiteral("\r\n")).toUtf8());
+    EXPECT_EQ(FileBytes(path), (kLL + QStringLiteral("\r\n")).toUtf8());
     EXPECT_EQ(win.w->windowTitle(), QStringLiteral("2016 KAVEN TRELK \u2014 sum"));
     EXPECT_FALSE(win.w->Modified());
 
@@ -310,7 +304,7 @@ TEST(MainWindow, ExportWritesTheSelectedView)
     win.w->mnuExport->trigger();
     const QString file = dir + QStringLiteral("/g-6-LL-table.txt");
     EXPECT_EQ(win.host.informations.last(), QStringLiteral("Files saved:\r\n") + file + QStringLiteral(".\r\n"));
-    EXPECT_TRUE(Bytes(file).contains("/* Syntax Table SYNTA (LL-analysis) */"));
+    EXPECT_TRUE(FileBytes(file).contains("/* Syntax Table SYNTA (LL-analysis) */"));
     qunsetenv("SOURCE_DATE_EPOCH");
 }
 
@@ -353,7 +347,7 @@ TEST(MainWindow, RenameSymbolsRewritesAndSavesTheGrammar)
     });
     win.w->mnuActReplace->trigger();
     EXPECT_TRUE(win.w->GrammarText().contains(QStringLiteral("<T>=[id]")));
-    EXPECT_TRUE(Bytes(dir + QStringLiteral("/r.tkg")).contains("<T>=[id]"));
+    EXPECT_TRUE(FileBytes(dir + QStringLiteral("/r.tkg")).contains("<T>=[id]"));
     EXPECT_FALSE(win.w->Modified());
 }
 
@@ -390,7 +384,7 @@ TEST(MainWindow, SettingsAreReadAtStartAndWrittenAtClose)
     window->workspace().settings.generateRules = 0;  // as the Options dialog would
     window->close();
     delete window;
-    const QString written = QString::fromUtf8(Bytes(ini));
+    const QString written = QString::fromUtf8(FileBytes(ini));
     EXPECT_TRUE(written.startsWith(QStringLiteral("; kept\r\n[Main]\r\nCellWidth=3\r\nTokenType=short\r\nMaxCycle=77\r\n")))
         << written.toStdString();
     EXPECT_TRUE(written.contains(QStringLiteral("GenerateRules=0\r\n")));
@@ -428,7 +422,7 @@ TEST(MainWindow, SettingsAreReadAtStartAndWrittenAtClose)
     ASSERT_EQ(host.criticals.size(), 1);
     EXPECT_TRUE(host.criticals[0].contains(QStringLiteral("MaxCycle")));
     EXPECT_TRUE(host.criticals[0].contains(QStringLiteral("lots")));
-    EXPECT_EQ(Bytes(ini), QByteArray("[Main]\r\nMaxCycle=lots\r\n"));
+    EXPECT_EQ(FileBytes(ini), QByteArray("[Main]\r\nMaxCycle=lots\r\n"));
 }
 
 } // namespace
