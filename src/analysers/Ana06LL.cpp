@@ -202,7 +202,5 @@ QString Ana06LL::Recognizer() const
     text += reversed ? QStringLiteral("#define LL_RULE_AT(rule, k) (RLEN[rule] - 1 - (k))")
                      : QStringLiteral("#define LL_RULE_AT(rule, k) (k)");
     text += kEol;
-    for (const char* line : lines)
-        text += QString::fromLatin1(line) + kEol;
-    return text;
+    return text + CTables::TextLines(lines);
 }

@@ -236,8 +236,5 @@ QString Ana10SPR::Recognizer() const
         "    }",
         "}",
     };
-    QString text = PrecedenceText::RecognizerTables(m_ws);
-    for (const char* line : lines)
-        text += QString::fromLatin1(line) + kEol;
-    return text;
+    return PrecedenceText::RecognizerTables(m_ws) + CTables::TextLines(lines);
 }

@@ -4,6 +4,7 @@
 
 #include "analysers/Ana10SPR.h"
 #include "analysers/Workspace.h"
+#include "output/CTables.h"
 
 namespace {
 const QString kEol = QStringLiteral("\r\n");
@@ -212,8 +213,5 @@ QString Ana11OPR::Recognizer() const
         "    }",
         "}",
     };
-    QString text = PrecedenceText::RecognizerTables(m_ws);
-    for (const char* line : lines)
-        text += QString::fromLatin1(line) + kEol;
-    return text;
+    return PrecedenceText::RecognizerTables(m_ws) + CTables::TextLines(lines);
 }

@@ -286,8 +286,5 @@ QString LrAnalyser::Recognizer() const
         "    }",
         "}",
     };
-    QString text;
-    for (const char* line : lines)
-        text += QString::fromLatin1(line) + kEol;
-    return text;
+    return CTables::TextLines(lines);
 }

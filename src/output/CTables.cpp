@@ -105,10 +105,7 @@ QString SampleFunction()
         "    }",
         "}",
     };
-    QString text;
-    for (const char* line : lines)
-        text += QString::fromLatin1(line) + kEol;
-    return text;
+    return TextLines(lines);
 }
 
 QString TableTitle(const QString& shortName)
