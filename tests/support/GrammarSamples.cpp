@@ -136,3 +136,21 @@ QString CDriverMain(const QString& recognizer)
                "        printf(\"%d\\n\", ")
          + recognizer + QStringLiteral("(tokens));\n    }\n    return 0;\n}\n");
 }
+
+int ExpectRecognizerAgrees(const QString& program, const std::vector<std::vector<int>>& strings,
+                           const std::function<bool(const std::vector<int>&)>& simulate)
+{
+    QString input, expected;
+    int accepted = 0;
+    for (const std::vector<int>& tokens : strings) {
+        QStringList codes;
+        for (int t : tokens)
+            codes << QString::number(t);
+        input += codes.join(QLatin1Char(' ')) + QLatin1Char('\n');
+        const bool yes = simulate(tokens);
+        accepted += yes ? 1 : 0;
+        expected += yes ? QStringLiteral("1\n") : QStringLiteral("0\n");
+    }
+    EXPECT_EQ(RunProgram(program, input), expected);
+    return accepted;
+}

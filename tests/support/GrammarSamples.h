@@ -8,6 +8,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <random>
 #include <vector>
 
@@ -56,3 +57,8 @@ QString CPrologue(Grammar& g);
 /// A C main() that reads token strings, one per line (codes separated by blanks),
 /// calls recognizer(tokens) with TOK_EOT appended and prints 1 or 0 per line.
 QString CDriverMain(const QString& recognizer);
+
+/// Runs a compiled recognizer (a CDriverMain program) on token strings and
+/// expects its answers to equal simulate's; returns how many strings simulate accepts.
+int ExpectRecognizerAgrees(const QString& program, const std::vector<std::vector<int>>& strings,
+                           const std::function<bool(const std::vector<int>&)>& simulate);
