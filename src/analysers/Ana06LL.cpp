@@ -2,17 +2,13 @@
 /// The LL(1) analyser.
 #include "analysers/Ana06LL.h"
 
-#include "analysers/Workspace.h"
+#include "model/Model.h"
 #include "output/CTables.h"
-
-namespace {
-const QString kEol = QStringLiteral("\r\n");
-}
 
 bool Ana06LL::Analyze()
 {
-    Grammar& g = m_ws.grammar;
-    LLResults& ll = m_ws.ll;
+    Grammar& g = m_model.grammar;
+    LLResults& ll = m_model.ll;
     if (!g.GetFlag(GrammarFlag::FollowLDone)) {
         g.SetInProcess(true);
         g.FindFollowB();
@@ -45,7 +41,7 @@ bool Ana06LL::Analyze()
             if (x != 0)
                 conflict |= !synta.Enter(a, x, r);
     }
-    m_ws.host().yield();
+    m_model.host().yield();
     if (!InProcess())
         return false;
     // Second pass: a rule that can derive the empty string (empty, or nullable
@@ -58,7 +54,7 @@ bool Ana06LL::Analyze()
         for (int x : g.followL[static_cast<std::size_t>(a)])
             conflict |= !synta.Enter(a, x, r);
     }
-    m_ws.host().yield();
+    m_model.host().yield();
     if (!InProcess())
         return false;
 
@@ -89,19 +85,19 @@ bool Ana06LL::Analyze()
 
 QString Ana06LL::ExportDisplay()
 {
-    return m_ws.ll.text;
+    return m_model.ll.text;
 }
 
 QString Ana06LL::TableDisplay()
 {
-    const Grammar& g = m_ws.grammar;
+    const Grammar& g = m_model.grammar;
     if (!g.GetFlag(GrammarFlag::AnalysedLL))
         return QString();
     SetInProcess(true);
-    Settings& settings = m_ws.settings;
+    Settings& settings = m_model.settings;
     settings.cellWidth = std::max(settings.cellWidth, 3);
     const int cellWidth = settings.cellWidth;
-    const LLTable& synta = m_ws.ll.synta;
+    const LLTable& synta = m_model.ll.synta;
     const int n = g.lastCode;
     const int t = g.terminalCount;
 
@@ -157,8 +153,8 @@ QString Ana06LL::TableDisplay()
 
 QString Ana06LL::Recognizer() const
 {
-    const Grammar& g = m_ws.grammar;
-    const Settings& settings = m_ws.settings;
+    const Grammar& g = m_model.grammar;
+    const Settings& settings = m_model.settings;
     QString text;
     // The recognizer reads right sides from RULE; give it one when the settings left it out.
     if (!CTables::WantsRuleTable(settings)) {

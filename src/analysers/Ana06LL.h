@@ -3,19 +3,17 @@
 /// every rule and FOLLOWL, lists it, and writes it as C.
 #pragma once
 
-#include "analysers/IAnazer.h"
+#include "model/IAnazer.h"
 
-class Workspace;
+class Model;
 
 class Ana06LL final : public IAnazer {
 public:
-    explicit Ana06LL(Workspace& workspace)
-        : m_ws(workspace)
+    explicit Ana06LL(Model& model)
+        : m_model(model)
     {
     }
 
-    bool InProcess() const override { return m_inProcess; }
-    void SetInProcess(bool value) override { m_inProcess = value; }
     bool Analyze() override;
     QString TableDisplay() override;
     QString ExportDisplay() override;
@@ -27,6 +25,5 @@ public:
 private:
     QString Recognizer() const;
 
-    Workspace& m_ws;
-    bool m_inProcess = false;
+    Model& m_model;
 };

@@ -2,15 +2,15 @@
 /// The SLR(1) analyser.
 #include "analysers/Ana07SLR.h"
 
-Ana07SLR::Ana07SLR(Workspace& workspace)
-    : LrAnalyser(workspace, workspace.slr,
+Ana07SLR::Ana07SLR(Model& model)
+    : LrAnalyser(model, model.slr,
                  {GrammarFlag::AnalysedSLR, GrammarFlag::SLRVerdict, "SLR", "This Grammar Is Not SLR(1).", false})
 {
 }
 
 bool Ana07SLR::Prepare()
 {
-    Grammar& g = m_ws.grammar;
+    Grammar& g = m_model.grammar;
     if (!g.GetFlag(GrammarFlag::FollowRDone)) {
         g.SetInProcess(true);
         g.FindFollowB();

@@ -6,7 +6,7 @@
 
 class Ana07SLR final : public LrAnalyser {
 public:
-    explicit Ana07SLR(Workspace& workspace);
+    explicit Ana07SLR(Model& model);
 
 protected:
     bool Prepare() override;

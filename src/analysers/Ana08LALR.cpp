@@ -2,8 +2,8 @@
 /// The LALR(1) analyser.
 #include "analysers/Ana08LALR.h"
 
-Ana08LALR::Ana08LALR(Workspace& workspace)
-    : LrAnalyser(workspace, workspace.lalr,
+Ana08LALR::Ana08LALR(Model& model)
+    : LrAnalyser(model, model.lalr,
                  {GrammarFlag::AnalysedLALR, GrammarFlag::LALRVerdict, "LALR", "This Grammar Is Not LALR(1).", true})
 {
 }
@@ -14,7 +14,7 @@ bool Ana08LALR::Build(const LrGrammar& lg, PassFrame& frame, ReduceList& reduces
     if (!BuildLr0(lg, frame, automaton))
         return false;
     ReduceLookaheads lookaheads;
-    if (!ComputeLalrLookaheads(lg, automaton, m_ws, *this, lookaheads))
+    if (!ComputeLalrLookaheads(lg, automaton, m_model, *this, lookaheads))
         return false;
     const std::vector<std::vector<int>>& kernels = automaton.kernels;
     reduces.assign(kernels.size(), {});

@@ -6,7 +6,7 @@
 
 class Ana08LALR final : public LrAnalyser {
 public:
-    explicit Ana08LALR(Workspace& workspace);
+    explicit Ana08LALR(Model& model);
 
 protected:
     bool Build(const LrGrammar& lg, PassFrame& frame, ReduceList& reduces) override;

@@ -2,8 +2,8 @@
 /// The canonical LR(1) analyser.
 #include "analysers/Ana09LR.h"
 
-Ana09LR::Ana09LR(Workspace& workspace)
-    : LrAnalyser(workspace, workspace.lr,
+Ana09LR::Ana09LR(Model& model)
+    : LrAnalyser(model, model.lr,
                  {GrammarFlag::AnalysedLR, GrammarFlag::LRVerdict, "LR", "This Grammar Is Not LR(1).", false})
 {
 }

@@ -6,7 +6,7 @@
 
 class Ana09LR final : public LrAnalyser {
 public:
-    explicit Ana09LR(Workspace& workspace);
+    explicit Ana09LR(Model& model);
 
 protected:
     bool Build(const LrGrammar& lg, PassFrame& frame, ReduceList& reduces) override;

@@ -3,13 +3,12 @@
 /// operator-precedence analyser shares.
 #include "analysers/Ana10SPR.h"
 
-#include "analysers/Workspace.h"
+#include "model/Model.h"
 #include "output/CTables.h"
 
 #include <algorithm>
 
 namespace {
-const QString kEol = QStringLiteral("\r\n");
 constexpr auto LT = PrecedenceMatrix::LT;
 constexpr auto EQ = PrecedenceMatrix::EQ;
 constexpr auto GT = PrecedenceMatrix::GT;
@@ -56,10 +55,10 @@ QString Result(const PrecedenceMatrix& matrix, const QString& failureLine, bool&
     return text + kEol;
 }
 
-void WriteTable(TextSink& sink, Workspace& workspace, const PrecedenceMatrix& matrix, const QString& method)
+void WriteTable(TextSink& sink, Model& model, const PrecedenceMatrix& matrix, const QString& method)
 {
-    const Grammar& g = workspace.grammar;
-    Settings& settings = workspace.settings;
+    const Grammar& g = model.grammar;
+    Settings& settings = model.settings;
     // On purpose the stored setting is raised, not a copy: the window's grid and
     // every later text keep the width these tables were written with.
     settings.cellWidth = std::max(settings.cellWidth, 4);
@@ -101,14 +100,14 @@ void WriteTable(TextSink& sink, Workspace& workspace, const PrecedenceMatrix& ma
     sink.Write(QStringLiteral("};") + kEol);
 }
 
-QString RecognizerTables(const Workspace& workspace)
+QString RecognizerTables(const Model& model)
 {
     // The right sides are matched in order: the RULE table runs forward here,
     // whatever "GenerateRules" and "GenerateRuleReverse" ask of other texts.
-    Settings forward = workspace.settings;
+    Settings forward = model.settings;
     forward.generateRules = 1;
     forward.generateRuleReverse = 0;
-    return CTables::RuleTable(workspace.grammar, forward, false)
+    return CTables::RuleTable(model.grammar, forward, false)
          + QStringLiteral("#define PR_STACK_SIZE 4096") + kEol;
 }
 
@@ -116,7 +115,7 @@ QString RecognizerTables(const Workspace& workspace)
 
 bool Ana10SPR::Analyze()
 {
-    Grammar& g = m_ws.grammar;
+    Grammar& g = m_model.grammar;
     PrecedenceState& p = g.precedence;
     // The sets belong to the analysis run; a run stopped before them has them computed here.
     if (!p.sprSetsDone && g.Parsed()) {
@@ -127,8 +126,8 @@ bool Ana10SPR::Analyze()
         return false;
 
     p.sprTableBuilt = false;
-    PrecedenceMatrix& m = m_ws.spr.synta;
-    m.Reset(g.lastCode + 1, PrecedenceText::RelationCodes(m_ws.settings));
+    PrecedenceMatrix& m = m_model.spr.synta;
+    m.Reset(g.lastCode + 1, PrecedenceText::RelationCodes(m_model.settings));
     auto set = [&](const std::vector<CodeList>& sets, int code) -> const CodeList& {
         return sets[static_cast<std::size_t>(code)];
     };
@@ -152,7 +151,7 @@ bool Ana10SPR::Analyze()
                 }
             }
         }
-        m_ws.host().yield();
+        m_model.host().yield();
         if (!InProcess())
             return false;
     }
@@ -172,7 +171,7 @@ bool Ana10SPR::Analyze()
 
 QString Ana10SPR::ExportDisplay()
 {
-    return m_ws.grammar.precedence.sprText;
+    return m_model.grammar.precedence.sprText;
 }
 
 QString Ana10SPR::TableDisplay()
@@ -184,10 +183,10 @@ QString Ana10SPR::TableDisplay()
 
 void Ana10SPR::WriteTable(TextSink& sink)
 {
-    if (!m_ws.grammar.precedence.sprTableBuilt)
+    if (!m_model.grammar.precedence.sprTableBuilt)
         return;
-    PrecedenceText::WriteTable(sink, m_ws, m_ws.spr.synta, QStringLiteral("simple precedence"));
-    if (m_ws.settings.generateRecognizer != 0)
+    PrecedenceText::WriteTable(sink, m_model, m_model.spr.synta, QStringLiteral("simple precedence"));
+    if (m_model.settings.generateRecognizer != 0)
         sink.Write(kEol + Recognizer());
 }
 
@@ -236,5 +235,5 @@ QString Ana10SPR::Recognizer() const
         "    }",
         "}",
     };
-    return PrecedenceText::RecognizerTables(m_ws) + CTables::TextLines(lines);
+    return PrecedenceText::RecognizerTables(m_model) + CTables::TextLines(lines);
 }

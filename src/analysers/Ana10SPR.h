@@ -5,12 +5,12 @@
 /// the listing, the layout of the C table) are here too.
 #pragma once
 
-#include "analysers/IAnazer.h"
-#include "analysers/Results.h"
+#include "model/IAnazer.h"
+#include "model/Results.h"
 
 #include <array>
 
-class Workspace;
+class Model;
 struct Settings;
 
 namespace PrecedenceText {
@@ -28,24 +28,22 @@ QString Result(const PrecedenceMatrix& matrix, const QString& failureLine, bool&
 /// relation constants, START, the title with method ("simple precedence" or
 /// "operator precedence") and SYNTA over the codes 0..matrix.Size()-1. Raises
 /// the stored "CellWidth" to 4.
-void WriteTable(TextSink& sink, Workspace& workspace, const PrecedenceMatrix& matrix, const QString& method);
+void WriteTable(TextSink& sink, Model& model, const PrecedenceMatrix& matrix, const QString& method);
 
 /// The lines a sample parser starts with: the RULE table (numeric form, right
 /// sides in order whatever the settings say) that it matches handles against,
 /// and its stack limits.
-QString RecognizerTables(const Workspace& workspace);
+QString RecognizerTables(const Model& model);
 
 } // namespace PrecedenceText
 
 class Ana10SPR final : public IAnazer {
 public:
-    explicit Ana10SPR(Workspace& workspace)
-        : m_ws(workspace)
+    explicit Ana10SPR(Model& model)
+        : m_model(model)
     {
     }
 
-    bool InProcess() const override { return m_inProcess; }
-    void SetInProcess(bool value) override { m_inProcess = value; }
     bool Analyze() override;
     QString TableDisplay() override;
     void WriteTable(TextSink& sink) override;
@@ -55,6 +53,5 @@ private:
     /// The sample simple-precedence parser spr_recognize.
     QString Recognizer() const;
 
-    Workspace& m_ws;
-    bool m_inProcess = false;
+    Model& m_model;
 };

@@ -3,11 +3,10 @@
 #include "analysers/Ana11OPR.h"
 
 #include "analysers/Ana10SPR.h"
-#include "analysers/Workspace.h"
+#include "model/Model.h"
 #include "output/CTables.h"
 
 namespace {
-const QString kEol = QStringLiteral("\r\n");
 const QString kNotOperator = QStringLiteral("This Grammar Is Not Operator Precedence One.");
 constexpr auto LT = PrecedenceMatrix::LT;
 constexpr auto EQ = PrecedenceMatrix::EQ;
@@ -16,7 +15,7 @@ constexpr auto GT = PrecedenceMatrix::GT;
 
 void Ana11OPR::GetLRSets()
 {
-    Grammar& g = m_ws.grammar;
+    Grammar& g = m_model.grammar;
     PrecedenceState& p = g.precedence;
     const std::size_t codes = static_cast<std::size_t>(g.lastCode) + 1;
     g.leftTermSet.assign(codes, CodeList());
@@ -38,7 +37,7 @@ void Ana11OPR::GetLRSets()
                 g.rightTermSet[a].Add(rule[i]);
                 break;
             }
-        m_ws.host().yield();
+        m_model.host().yield();
         if (!InProcess())
             return;
     }
@@ -51,7 +50,7 @@ void Ana11OPR::GetLRSets()
                 for (int b : through[static_cast<std::size_t>(a)])
                     if (g.IsNonterminal(b) && b != a)
                         added |= termSets[static_cast<std::size_t>(a)].Merge(termSets[static_cast<std::size_t>(b)]);
-            m_ws.host().yield();
+            m_model.host().yield();
             if (!InProcess())
                 return false;
         }
@@ -73,7 +72,7 @@ void Ana11OPR::GetLRSets()
 
 bool Ana11OPR::Analyze()
 {
-    Grammar& g = m_ws.grammar;
+    Grammar& g = m_model.grammar;
     PrecedenceState& p = g.precedence;
     // The left and right sets belong to the analysis run; a run stopped before
     // them has them computed here.
@@ -88,9 +87,9 @@ bool Ana11OPR::Analyze()
         return false;
 
     p.oprTableBuilt = false;
-    PrecedenceMatrix& m = m_ws.opr.synta;
+    PrecedenceMatrix& m = m_model.opr.synta;
     const int t = g.terminalCount;
-    m.Reset(t + 1, PrecedenceText::RelationCodes(m_ws.settings));
+    m.Reset(t + 1, PrecedenceText::RelationCodes(m_model.settings));
     auto set = [](const std::vector<CodeList>& sets, int code) -> const CodeList& {
         return sets[static_cast<std::size_t>(code)];
     };
@@ -121,7 +120,7 @@ bool Ana11OPR::Analyze()
                         m.Add(x, lt, LT);
             }
         }
-        m_ws.host().yield();
+        m_model.host().yield();
         if (!InProcess())
             return false;
     }
@@ -140,7 +139,7 @@ bool Ana11OPR::Analyze()
 
 QString Ana11OPR::ExportDisplay()
 {
-    return m_ws.grammar.precedence.oprText;
+    return m_model.grammar.precedence.oprText;
 }
 
 QString Ana11OPR::TableDisplay()
@@ -152,10 +151,10 @@ QString Ana11OPR::TableDisplay()
 
 void Ana11OPR::WriteTable(TextSink& sink)
 {
-    if (!m_ws.grammar.precedence.oprTableBuilt)
+    if (!m_model.grammar.precedence.oprTableBuilt)
         return;
-    PrecedenceText::WriteTable(sink, m_ws, m_ws.opr.synta, QStringLiteral("operator precedence"));
-    if (m_ws.settings.generateRecognizer != 0)
+    PrecedenceText::WriteTable(sink, m_model, m_model.opr.synta, QStringLiteral("operator precedence"));
+    if (m_model.settings.generateRecognizer != 0)
         sink.Write(kEol + Recognizer());
 }
 
@@ -213,5 +212,5 @@ QString Ana11OPR::Recognizer() const
         "    }",
         "}",
     };
-    return PrecedenceText::RecognizerTables(m_ws) + CTables::TextLines(lines);
+    return PrecedenceText::RecognizerTables(m_model) + CTables::TextLines(lines);
 }

@@ -4,19 +4,17 @@
 /// terminals, lists it, and writes it as C in the layout of Ana10SPR.
 #pragma once
 
-#include "analysers/IAnazer.h"
+#include "model/IAnazer.h"
 
-class Workspace;
+class Model;
 
 class Ana11OPR final : public IAnazer {
 public:
-    explicit Ana11OPR(Workspace& workspace)
-        : m_ws(workspace)
+    explicit Ana11OPR(Model& model)
+        : m_model(model)
     {
     }
 
-    bool InProcess() const override { return m_inProcess; }
-    void SetInProcess(bool value) override { m_inProcess = value; }
     bool Analyze() override;
     QString TableDisplay() override;
     void WriteTable(TextSink& sink) override;
@@ -33,6 +31,5 @@ private:
     /// The sample operator-precedence parser opr_recognize.
     QString Recognizer() const;
 
-    Workspace& m_ws;
-    bool m_inProcess = false;
+    Model& m_model;
 };

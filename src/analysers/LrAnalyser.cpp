@@ -8,12 +8,11 @@
 #include <unordered_map>
 
 namespace {
-const QString kEol = QStringLiteral("\r\n");
 }
 
 bool LrAnalyser::Analyze()
 {
-    Grammar& g = m_ws.grammar;
+    Grammar& g = m_model.grammar;
     if (!Prepare())
         return false;
     if (g.GetFlag(m_kind.analysedFlag))
@@ -25,7 +24,7 @@ bool LrAnalyser::Analyze()
     m_results.saved = saved;
 
     LrGrammar lg(g);
-    PassFrame frame(m_ws, *this, m_kind.showPass);
+    PassFrame frame(m_model, *this, m_kind.showPass);
     ReduceList reduces;
     const bool built = Build(lg, frame, reduces);
     g.SetFlag(m_kind.analysedFlag, built);
@@ -99,7 +98,7 @@ bool LrAnalyser::Analyze()
 
 QString LrAnalyser::ExportDisplay()
 {
-    if (!m_ws.grammar.GetFlag(m_kind.analysedFlag))
+    if (!m_model.grammar.GetFlag(m_kind.analysedFlag))
         return QString();
     if (m_results.tableText.isEmpty())
         m_results.tableText = BuildTableText();
@@ -108,7 +107,7 @@ QString LrAnalyser::ExportDisplay()
 
 QString LrAnalyser::ItemDisplay()
 {
-    if (!m_ws.grammar.GetFlag(m_kind.analysedFlag))
+    if (!m_model.grammar.GetFlag(m_kind.analysedFlag))
         return QString();
     if (m_results.itemText.isEmpty())
         m_results.itemText = BuildItemText();
@@ -117,7 +116,7 @@ QString LrAnalyser::ItemDisplay()
 
 QString LrAnalyser::BuildTableText() const
 {
-    const Grammar& g = m_ws.grammar;
+    const Grammar& g = m_model.grammar;
     const std::vector<SparseRow>& rows = m_results.rows;
     const int accept = static_cast<int>(rows.size());
     const int width = g.maxName + 2;
@@ -150,10 +149,10 @@ QString LrAnalyser::BuildTableText() const
 
 QString LrAnalyser::BuildItemText() const
 {
-    const Grammar& g = m_ws.grammar;
+    const Grammar& g = m_model.grammar;
     LrGrammar lg(g);
     const LrItems& items = lg.items;
-    const bool all = m_ws.settings.displayAllItems != 0;
+    const bool all = m_model.settings.displayAllItems != 0;
     QString text;
     if (!m_results.conflicts.isEmpty())
         text += QString::fromLatin1(m_kind.verdict) + kEol;
@@ -237,12 +236,12 @@ QString LrAnalyser::TableDisplay()
 
 void LrAnalyser::WriteTable(TextSink& sink)
 {
-    const Grammar& g = m_ws.grammar;
+    const Grammar& g = m_model.grammar;
     if (!g.GetFlag(m_kind.analysedFlag))
         return;
-    CTables::WriteLrTable(sink, g, m_ws.settings, m_results.rows, m_results.conflicts,
+    CTables::WriteLrTable(sink, g, m_model.settings, m_results.rows, m_results.conflicts,
                           QString::fromLatin1(m_kind.shortName), CTables::GenerationTime());
-    if (m_ws.settings.generateRecognizer != 0)
+    if (m_model.settings.generateRecognizer != 0)
         sink.Write(kEol + Recognizer());
 }
 

@@ -5,7 +5,7 @@
 /// look-aheads of its reduces.
 #pragma once
 
-#include "analysers/IAnazer.h"
+#include "model/IAnazer.h"
 #include "analysers/LrAutomaton.h"
 
 /// By state: the reduces of its complete items, each a rule and the look-ahead
@@ -14,8 +14,6 @@ using ReduceList = std::vector<std::vector<std::pair<int, std::vector<int>>>>;
 
 class LrAnalyser : public IAnazer {
 public:
-    bool InProcess() const override { return m_inProcess; }
-    void SetInProcess(bool value) override { m_inProcess = value; }
     bool Analyze() override;
     QString TableDisplay() override;
     /// The C text streamed: tables of large grammars run to tens of megabytes.
@@ -33,8 +31,8 @@ protected:
         const char* verdict;    ///< "This Grammar Is Not SLR(1)." etc.
         bool showPass;          ///< writes "Pass: N"
     };
-    LrAnalyser(Workspace& workspace, LrResults& results, const Kind& kind)
-        : m_ws(workspace)
+    LrAnalyser(Model& model, LrResults& results, const Kind& kind)
+        : m_model(model)
         , m_results(results)
         , m_kind(kind)
     {
@@ -46,7 +44,7 @@ protected:
     /// look-ahead runs where the method has them) and the reduces of every state.
     virtual bool Build(const LrGrammar& lg, PassFrame& frame, ReduceList& reduces) = 0;
 
-    Workspace& m_ws;
+    Model& m_model;
     LrResults& m_results;
 
 private:
@@ -55,5 +53,4 @@ private:
     QString Recognizer() const;
 
     Kind m_kind;
-    bool m_inProcess = false;
 };

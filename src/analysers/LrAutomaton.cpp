@@ -2,7 +2,7 @@
 /// LR(0) and canonical LR(1) automata, the pass frame, and LALR(1) look-aheads.
 #include "analysers/LrAutomaton.h"
 
-#include "analysers/AnalysisRun.h"
+#include "model/Texts.h"
 #include "grammar/Digraph.h"
 
 #include <algorithm>
@@ -24,8 +24,8 @@ std::vector<int> TerminalSet::Members() const
 
 // ---- The pass frame ----------------------------------------------------------
 
-PassFrame::PassFrame(Workspace& workspace, IAnazer& analyser, bool showPass)
-    : m_ws(workspace)
+PassFrame::PassFrame(Model& model, IAnazer& analyser, bool showPass)
+    : m_model(model)
     , m_analyser(analyser)
     , m_showPass(showPass)
 {
@@ -34,24 +34,24 @@ PassFrame::PassFrame(Workspace& workspace, IAnazer& analyser, bool showPass)
 
 bool PassFrame::Run(const std::function<void(int)>& expand, const std::function<int()>& count)
 {
-    const int maxCycle = m_ws.settings.maxCycle;
+    const int maxCycle = m_model.settings.maxCycle;
     auto overflow = [&] {
-        m_ws.host().okCancel(QStringLiteral("DFA States Overflow."));
+        m_model.host().okCancel(QStringLiteral("DFA States Overflow."));
         return false;
     };
     int pass = 1;
     if (m_showPass)
-        m_ws.SetStatus(StatusField::Pass, QStringLiteral("Pass: 1"));
+        m_model.SetStatus(StatusField::Pass, QStringLiteral("Pass: 1"));
     expand(0);
     int first = 1;
     int last = count() - 1;
     for (;;) {
-        m_ws.SetStatus(StatusField::Elapsed, ElapsedText(m_started.elapsed()));
+        m_model.SetStatus(StatusField::Elapsed, ElapsedText(m_started.elapsed()));
         const int previousLast = last;
         const QString range = QStringLiteral(" (") + QString::number(first) + QLatin1Char('-') + QString::number(last)
                             + QLatin1Char(')');
         for (int s = first; s <= last; ++s) {
-            m_ws.SetStatus(StatusField::State, QString::number(s) + range);
+            m_model.SetStatus(StatusField::State, QString::number(s) + range);
             expand(s);
             // The limit is tested after the pass; stopping the pass as soon as it is
             // passed gives the same answer without building thousands of states more.
@@ -66,15 +66,15 @@ bool PassFrame::Run(const std::function<void(int)>& expand, const std::function<
         // On purpose the pass limit is compared with the first state of the next
         // pass, not with a count of passes.
         if (first > maxCycle) {
-            m_ws.host().okCancel(QStringLiteral("Cycles Overflow."));
+            m_model.host().okCancel(QStringLiteral("Cycles Overflow."));
             return false;
         }
-        m_ws.host().yield();
+        m_model.host().yield();
         if (!m_analyser.InProcess())
             return false;
         ++pass;
         if (m_showPass)
-            m_ws.SetStatus(StatusField::Pass, QStringLiteral("Pass: ") + QString::number(pass));
+            m_model.SetStatus(StatusField::Pass, QStringLiteral("Pass: ") + QString::number(pass));
     }
 }
 
@@ -282,7 +282,7 @@ bool BuildLr0(const LrGrammar& lg, PassFrame& frame, Lr0Automaton& a)
 
 // ---- LALR(1) look-aheads -------------------------------------------------------
 
-bool ComputeLalrLookaheads(const LrGrammar& lg, const Lr0Automaton& a, Workspace& ws, IAnazer& analyser,
+bool ComputeLalrLookaheads(const LrGrammar& lg, const Lr0Automaton& a, Model& model, IAnazer& analyser,
                            ReduceLookaheads& result)
 {
     const Grammar& g = lg.g;
@@ -328,7 +328,7 @@ bool ComputeLalrLookaheads(const LrGrammar& lg, const Lr0Automaton& a, Workspace
         }
     }
     auto tick = [&] {
-        ws.host().yield();
+        model.host().yield();
         return analyser.InProcess();
     };
     if (!Digraph(0, transitions - 1, [&](int x) -> const std::vector<int>& { return reads[static_cast<std::size_t>(x)]; },

@@ -6,9 +6,9 @@
 /// the message loop a turn once per pass.
 #pragma once
 
-#include "analysers/IAnazer.h"
+#include "model/IAnazer.h"
 #include "analysers/LrItems.h"
-#include "analysers/Workspace.h"
+#include "model/Model.h"
 
 #include <QElapsedTimer>
 #include <cstdint>
@@ -60,7 +60,7 @@ constexpr int kMaxDfaState = 10000;
 class PassFrame {
 public:
     /// showPass: write "Pass: N" into the pass label (LALR(1)).
-    PassFrame(Workspace& workspace, IAnazer& analyser, bool showPass);
+    PassFrame(Model& model, IAnazer& analyser, bool showPass);
 
     /// Expands state 0, then every state of each pass; expand(s) appends the new
     /// states it finds, count() tells how many there are. True when the
@@ -68,7 +68,7 @@ public:
     bool Run(const std::function<void(int)>& expand, const std::function<int()>& count);
 
 private:
-    Workspace& m_ws;
+    Model& m_model;
     IAnazer& m_analyser;
     bool m_showPass;
     QElapsedTimer m_started;
@@ -125,7 +125,7 @@ bool BuildLr0(const LrGrammar& lg, PassFrame& frame, Lr0Automaton& automaton);
 /// Pennello's relations. Result: by state, the pairs (rule, look-ahead set) of
 /// its complete items, in the order of CompleteItems. False when stopped.
 using ReduceLookaheads = std::vector<std::vector<std::pair<int, TerminalSet>>>;
-bool ComputeLalrLookaheads(const LrGrammar& lg, const Lr0Automaton& automaton, Workspace& workspace,
+bool ComputeLalrLookaheads(const LrGrammar& lg, const Lr0Automaton& automaton, Model& model,
                            IAnazer& analyser, ReduceLookaheads& result);
 
 /// The closure of an LR(1) kernel: its non-terminals, each with one look-ahead

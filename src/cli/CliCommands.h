@@ -2,7 +2,8 @@
 /// The commands of trelk-cli and what they share.
 #pragma once
 
-#include "analysers/Workspace.h"
+#include "session/Views.h"
+#include "session/Workspace.h"
 
 #include <QString>
 #include <QStringList>
@@ -36,7 +37,6 @@ int ParseGrammar(Workspace& workspace, const QString& path, const QString& text)
 
 /// A view by number (0-11) or name (grammar symbols first basis followl followr
 /// ll slr lalr lr spr opr); -1 when it is neither.
-int ParseView(const QString& text);
 
 /// Reads GRAMMAR and runs Analyse on view as the window does; output is what the
 /// output box then shows. Returns an exit status.

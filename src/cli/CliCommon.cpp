@@ -3,6 +3,7 @@
 #include "cli/CliCommands.h"
 #include "cli/CliHost.h"
 #include "storage/GrammarFile.h"
+#include "session/OpenSave.h"
 
 #include <QFileInfo>
 

@@ -4,8 +4,8 @@
 #include "cli/CliCommands.h"
 #include "cli/CliHost.h"
 
-#include "analysers/AnalysisRun.h"
-#include "output/Export.h"
+#include "session/AnalysisRun.h"
+#include "session/Export.h"
 
 #include <QElapsedTimer>
 #include <cstdio>
@@ -32,22 +32,6 @@ public:
 private:
     QString m_text;
     bool m_wantsOutput;
-};
-
-struct Method {
-    int view;
-    const char* name;   ///< as summary prints it
-    const char* key;    ///< the view's short name
-    const char* label;  ///< "LL(1)" etc.
-};
-
-const Method kMethods[] = {
-    {View::LL, "LL(1)", "ll", "LL(1)"},
-    {View::SLR, "SLR(1)", "slr", "SLR(1)"},
-    {View::LALR, "LALR(1)", "lalr", "LALR(1)"},
-    {View::LR, "LR(1)", "lr", "LR(1)"},
-    {View::SPR, "simple precedence", "spr", "simple precedence"},
-    {View::OPR, "operator precedence", "opr", "operator precedence"},
 };
 
 /// A precedence method that refused the grammar before building a table (empty
@@ -78,20 +62,6 @@ int CheckParsed(const Workspace& workspace, const QString& path, const QString& 
 }
 
 } // namespace
-
-int ParseView(const QString& text)
-{
-    static const char* const names[View::Count] = {"grammar", "symbols", "first", "basis", "followl", "followr",
-                                                   "ll",      "slr",     "lalr",  "lr",    "spr",     "opr"};
-    bool ok = false;
-    const int number = text.toInt(&ok);
-    if (ok)
-        return number >= 0 && number < View::Count ? number : -1;
-    for (int view = 0; view < View::Count; ++view)
-        if (text.compare(QLatin1String(names[view]), Qt::CaseInsensitive) == 0)
-            return view;
-    return -1;
-}
 
 int RunView(Workspace& workspace, const QString& path, int view, QString& output, bool wantsOutput)
 {
@@ -180,26 +150,28 @@ int CmdSummary(Workspace& workspace, const CliOptions&, const QStringList& args)
     QJsonArray methods;
     QString lines;
     bool requiredPasses = true;
-    for (const Method& m : kMethods) {
+    for (const ViewInfo& m : Views()) {
+        if (!m.IsAnalyser())
+            continue;
         QElapsedTimer timer;
         timer.start();
-        Analyse(workspace, frontend, m.view);
+        Analyse(workspace, frontend, m.number);
         const qint64 ms = timer.elapsed();
-        const bool analysed = g.GetFlag(m.view);
+        const bool analysed = IsAnalysed(workspace, m.number);
         QJsonObject o;
-        o[QStringLiteral("method")] = QString::fromLatin1(m.key);
+        o[QStringLiteral("method")] = QString::fromLatin1(m.name);
         o[QStringLiteral("analysed")] = analysed;
         QString size, verdict, refusal;
         int conflicts = 0;
         bool passes = false;
         if (!analysed) {
             // Left recursion stops LL(1) before a table exists: that is a verdict too.
-            if (m.view == View::LL && g.GetFlag(GrammarFlag::LeftRecursive)) {
+            if (m.number == View::LL && g.GetFlag(GrammarFlag::LeftRecursive)) {
                 verdict = QStringLiteral("not LL(1): left recursion");
                 o[QStringLiteral("analysed")] = true;
                 o[QStringLiteral("passes")] = false;
-            } else if (m.view >= View::SPR && PrecedenceRefusal(g, m.view, refusal)) {
-                verdict = QStringLiteral("not ") + QString::fromLatin1(m.label);
+            } else if (m.number >= View::SPR && PrecedenceRefusal(g, m.number, refusal)) {
+                verdict = QStringLiteral("not ") + QString::fromLatin1(m.method);
                 o[QStringLiteral("analysed")] = true;
                 o[QStringLiteral("passes")] = false;
                 if (!refusal.isEmpty())
@@ -207,20 +179,20 @@ int CmdSummary(Workspace& workspace, const CliOptions&, const QStringList& args)
             } else {
                 verdict = QStringLiteral("not analysed");
             }
-        } else if (m.view == View::LL) {
+        } else if (m.number == View::LL) {
             passes = workspace.ll.synta.ConflictCount() == 0;
             conflicts = workspace.ll.synta.ConflictCount();
             size = QStringLiteral("table %1x%2").arg(workspace.ll.synta.Rows()).arg(workspace.ll.synta.Columns());
             o[QStringLiteral("rows")] = workspace.ll.synta.Rows();
             o[QStringLiteral("columns")] = workspace.ll.synta.Columns();
-        } else if (m.view <= View::LR) {
-            const LrResults& r = m.view == View::SLR ? workspace.slr : m.view == View::LALR ? workspace.lalr : workspace.lr;
+        } else if (m.number <= View::LR) {
+            const LrResults& r = m.number == View::SLR ? workspace.slr : m.number == View::LALR ? workspace.lalr : workspace.lr;
             conflicts = static_cast<int>(r.conflicts.size());
             passes = conflicts == 0;
             size = QStringLiteral("%1 states").arg(r.States());
             o[QStringLiteral("states")] = r.States();
         } else {
-            const PrecedenceMatrix& synta = m.view == View::SPR ? workspace.spr.synta : workspace.opr.synta;
+            const PrecedenceMatrix& synta = m.number == View::SPR ? workspace.spr.synta : workspace.opr.synta;
             conflicts = synta.ConflictCount();
             passes = conflicts == 0;
             size = QStringLiteral("table %1x%1").arg(synta.Size());
@@ -228,16 +200,16 @@ int CmdSummary(Workspace& workspace, const CliOptions&, const QStringList& args)
             o[QStringLiteral("columns")] = synta.Size();
         }
         if (analysed) {
-            verdict = passes ? QString::fromLatin1(m.label) : QStringLiteral("not ") + QString::fromLatin1(m.label);
+            verdict = passes ? QString::fromLatin1(m.method) : QStringLiteral("not ") + QString::fromLatin1(m.method);
             o[QStringLiteral("passes")] = passes;
             o[QStringLiteral("conflicts")] = conflicts;
         }
         o[QStringLiteral("elapsed")] = ElapsedText(ms);
         o[QStringLiteral("elapsedMs")] = ms;
         methods.append(o);
-        if (m.view == required && !(analysed && passes))
+        if (m.number == required && !(analysed && passes))
             requiredPasses = false;
-        lines += QString::fromLatin1(m.name).leftJustified(20) + verdict.leftJustified(28);
+        lines += QString::fromLatin1(m.method).leftJustified(20) + verdict.leftJustified(28);
         if (analysed)
             lines += size.leftJustified(16) + QStringLiteral("%1 conflicts").arg(conflicts).leftJustified(16);
         else

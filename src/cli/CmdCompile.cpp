@@ -6,8 +6,9 @@
 #include "cli/CliCommands.h"
 #include "cli/CliHost.h"
 
-#include "analysers/AnalysisRun.h"
+#include "session/AnalysisRun.h"
 #include "storage/GrammarFile.h"
+#include "session/OpenSave.h"
 
 namespace {
 

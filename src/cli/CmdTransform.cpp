@@ -4,6 +4,7 @@
 #include "cli/CliCommands.h"
 #include "cli/CliHost.h"
 #include "transform/Transform.h"
+#include "session/TransformCommand.h"
 
 int CmdTransform(Workspace& workspace, const CliOptions&, const QStringList& args)
 {

@@ -6,8 +6,9 @@
 #pragma once
 
 #include "grammar/Grammar.h"
-#include "output/TextSink.h"
-#include "storage/Settings.h"
+#include "model/TextSink.h"
+#include "model/Texts.h"
+#include "model/Settings.h"
 
 #include <QDateTime>
 #include <QString>

@@ -1,15 +1,13 @@
 /// \file
 /// Grammar text files: reading (blank lines dropped, lines joined with CR LF,
 /// UTF-8 with a Windows-1251 fallback), the text encoding helpers, the names of
-/// a grammar and of its compiled companion, and opening and saving a grammar
-/// together with its companion.
+/// a grammar and of its compiled companion and the names of a grammar and of
+/// its compiled companion.
 #pragma once
 
 #include <QByteArray>
 #include <QString>
 #include <optional>
-
-class Workspace;
 
 /// Decodes file bytes: UTF-8 (a leading byte-order mark is dropped) when they
 /// are valid UTF-8, otherwise Windows-1251, as older Windows files are.
@@ -39,17 +37,3 @@ QString CompanionPath(const QString& grammarPath);
 /// extension with its dot). None when the file name is shorter than four
 /// characters: such a name cannot be cut to a grammar name.
 std::optional<QString> GrammarNameOf(const QString& path);
-
-/// Opens a grammar file as File Open does: reads the text, starts the
-/// workspace afresh (grammar cleared, every analyser's results reset), sets the
-/// grammar's Path, reads the companion with TKCRead and keeps what it restored
-/// only when it belongs to this text (CheckRestoredState). Companion failures
-/// are reported through the host. Returns the editor text; false, with error
-/// set and the workspace untouched, when the grammar file cannot be read.
-bool TKGOpen(Workspace& workspace, const QString& path, QString& text, QString& error);
-
-/// The main save routine: sets the grammar's Path to targetPath, writes the
-/// companion first (TKCSave, with the grammar's Name), then editorText with the
-/// text writer. Both go through QSaveFile, so an interrupted save leaves the old
-/// files whole. Failures are reported through the host. True when both were written.
-bool GrammarSaveAs(Workspace& workspace, const QString& targetPath, const QString& editorText);

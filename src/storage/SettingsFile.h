@@ -4,13 +4,14 @@
 #pragma once
 
 #include "storage/PINI.h"
-#include "storage/Settings.h"
+#include "model/Texts.h"
+#include "model/Settings.h"
 
 #include <QString>
 #include <QtGlobal>
 
 /// The application name and the section every settings call passes.
-inline const QString kSettingsApplication = QStringLiteral("2016 KAVEN TRELK");
+inline const QString& kSettingsApplication = kProductName;
 inline const QString kSettingsSection = QStringLiteral("Main");
 
 /// Where the settings file lives when no --ini option names one: "TRELK.ini"

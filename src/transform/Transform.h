@@ -9,7 +9,6 @@
 #include <QStringList>
 
 class Grammar;
-class Workspace;
 
 /// The command codes, in the order of the Transform menu's table.
 namespace TransformCode {
@@ -19,25 +18,9 @@ inline const QString RemoveEmptyRules = QStringLiteral("RE");
 inline const QString LeftFactoring = QStringLiteral("LF");
 inline const QString LeftRecursion = QStringLiteral("LR");
 inline const QString RemoveUnusedSymbols = QStringLiteral("UU");
-/// All six; a code outside this list is refused by RunTransformation.
+/// All six, in menu order.
 QStringList All();
 } // namespace TransformCode
-
-/// One command of the Transform menu, without its user-interface effects:
-///  - nothing at all for "GR" when the grammar has a single non-terminal;
-///  - "Save Grammar first." (information) when the grammar has no path;
-///  - editorText is parsed unless the grammar is parsed already; a text that
-///    does not parse stops the command (the parser has shown its message);
-///  - the working copy is made, the operation runs with InProcess raised (Stop
-///    clears it), and InProcess is cleared again;
-///  - newText is the grammar's text for "GR" and the returned lines, each
-///    followed by CR LF, for the others; empty when no lines came back, in which
-///    case the editor keeps its text and that text is what gets saved;
-///  - the result is written with WriteTextFile under TransformedPath.
-/// Returns the written path, or "" when nothing was written (a write failure is
-/// reported through the host). The window shows the busy pointer around the
-/// call, then runs File New, puts newText into the editor and opens the file.
-QString RunTransformation(Workspace& workspace, const QString& code, const QString& editorText, QString& newText);
 
 /// The operation of one command on a parsed grammar: takes the working copy,
 /// runs with InProcess raised, and returns the result text — the grammar's text

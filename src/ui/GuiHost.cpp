@@ -1,11 +1,12 @@
 /// \file
 /// The desktop program's message boxes.
 #include "ui/GuiHost.h"
+#include "model/Texts.h"
 
 #include <QMessageBox>
 
 namespace {
-const QString kTitle = QStringLiteral("2016 KAVEN TRELK");
+const QString& kTitle = kProductName;
 }
 
 GuiHost::GuiHost(QWidget* owner)

@@ -7,6 +7,7 @@
 #include "ui/frmRename.h"
 #include "ui/frmSetts.h"
 #include "ui/frmStat.h"
+#include "session/OpenSave.h"
 
 #include <QApplication>
 #include <QDir>

@@ -1,12 +1,14 @@
 /// \file
 /// Start-up of the desktop program.
 #include "ui/Startup.h"
+#include "model/Texts.h"
 
 #include "storage/Folders.h"
 #include "storage/PINI.h"
 #include "storage/SettingsFile.h"
 #include "ui/GuiHost.h"
 #include "ui/frmMain.h"
+#include "session/OpenSave.h"
 
 #include <QFileInfo>
 #include <QGuiApplication>
@@ -53,7 +55,7 @@ frmMain* Main(const StartupOptions& options, int& status)
 
     auto* main = new frmMain(options.messages, ini.File());
     main->workspace().settings = settings;
-    main->setWindowTitle(QStringLiteral("2016 KAVEN TRELK"));
+    main->setWindowTitle(kProductName);
     main->move(static_cast<int>(settings.left), static_cast<int>(settings.top));
     main->show();
 

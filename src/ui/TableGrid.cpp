@@ -2,7 +2,7 @@
 /// The table grid.
 #include "ui/TableGrid.h"
 
-#include "analysers/AnalysisRun.h"
+#include "session/AnalysisRun.h"
 
 #include <QBrush>
 #include <QFontMetrics>
@@ -20,21 +20,13 @@ quint64 Key(int row, int column)
 
 const LrResults* LrOf(const Workspace& ws, int view)
 {
-    switch (view) {
-    case View::SLR:
-        return &ws.slr;
-    case View::LALR:
-        return &ws.lalr;
-    case View::LR:
-        return &ws.lr;
-    default:
-        return nullptr;
-    }
+    return view >= 0 && view < View::Count && ViewOf(view).lrResults ? &(ws.*ViewOf(view).lrResults) : nullptr;
 }
 
 const PrecedenceResults* PrecedenceOf(const Workspace& ws, int view)
 {
-    return view == View::SPR ? &ws.spr : view == View::OPR ? &ws.opr : nullptr;
+    return view >= 0 && view < View::Count && ViewOf(view).precedenceResults ? &(ws.*ViewOf(view).precedenceResults)
+                                                                              : nullptr;
 }
 
 } // namespace
@@ -52,7 +44,7 @@ void TableModel::ShowView(int view)
     m_rows = m_columns = 0;
     m_conflicts.clear();
     const Grammar& g = m_ws.grammar;
-    if (view >= View::LL && view < View::Count && g.GetFlag(view)) {
+    if (view >= 0 && view < View::Count && IsAnalysed(m_ws, view)) {
         m_view = view;
         if (view == View::LL) {
             m_rows = m_ws.ll.synta.Rows();
@@ -132,7 +124,7 @@ QVariant TableModel::data(const QModelIndex& index, int role) const
     case Qt::BackgroundRole:
         if (IsConflict(index.row(), index.column()))
             return QBrush(QColor(0xff, 0xc8, 0xc8));
-        if (m_view >= View::SLR && m_view <= View::LR && m_ws.grammar.IsNonterminal(index.column()))
+        if (LrOf(m_ws, m_view) && m_ws.grammar.IsNonterminal(index.column()))
             return QBrush(QColor(0xf4, 0xf6, 0xfb));  // the goto part
         return QVariant();
     case Qt::ForegroundRole: {

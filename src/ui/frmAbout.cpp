@@ -1,6 +1,7 @@
 /// \file
 /// The About box.
 #include "ui/frmAbout.h"
+#include "model/Texts.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -18,7 +19,7 @@ frmAbout::frmAbout(QWidget* parent)
     icon->setPixmap(windowIcon().isNull() ? style()->standardIcon(QStyle::SP_ComputerIcon).pixmap(48, 48)
                                           : windowIcon().pixmap(48, 48));
     layout->addWidget(icon, 0, Qt::AlignHCenter);
-    auto* product = new QLabel(QStringLiteral("2016 KAVEN TRELK"));
+    auto* product = new QLabel(kProductName);
     product->setObjectName(QStringLiteral("lblProduct"));
     QFont big = product->font();
     big.setPointSize(big.pointSize() + 4);

@@ -1,9 +1,9 @@
 /// \file
 /// The main window.
 #include "ui/frmMain.h"
+#include "model/Texts.h"
 
-#include "analysers/LrAnalyser.h"
-#include "output/Export.h"
+#include "session/Export.h"
 #include "storage/Folders.h"
 #include "storage/GrammarFile.h"
 #include "storage/SettingsFile.h"
@@ -17,6 +17,8 @@
 #include "ui/frmReplace.h"
 #include "ui/frmSetts.h"
 #include "ui/frmStat.h"
+#include "session/OpenSave.h"
+#include "session/TransformCommand.h"
 
 #include <QApplication>
 #include <QButtonGroup>
@@ -41,31 +43,27 @@
 
 namespace {
 
-const QString kProduct = QStringLiteral("2016 KAVEN TRELK");
+const QString& kProduct = kProductName;
 const QString kRecentSection = QStringLiteral("Recent");
 constexpr int kRecentCount = 6;
 
-struct ViewInfo {
-    const char* glyph;
-    const char* tip;
-    QRgb colour;
-};
-
-// The pictures of the twelve view selectors: a short mark on a coloured tile.
-const ViewInfo kViews[View::Count] = {
-    {"G", "Grammar", 0x5b7db1},
-    {"Sy", "Symbols", 0x5b7db1},
-    {"Fi", "FIRST", 0x4f9a6b},
-    {"Ba", "Basis (FOLLOWB)", 0x4f9a6b},
-    {"FL", "FOLLOWL", 0x4f9a6b},
-    {"FR", "FOLLOWR", 0x4f9a6b},
-    {"LL", "LL(1) Analysis", 0xb5793a},
-    {"SLR", "SLR(1) Analysis", 0xa24f6b},
-    {"LA", "LALR(1) Analysis", 0xa24f6b},
-    {"LR", "LR(1) Analysis", 0xa24f6b},
-    {"SP", "Simple Precedence Analysis", 0x6f5ba8},
-    {"OP", "Operator Precedence Analysis", 0x6f5ba8},
-};
+/// The colour of a view selector's tile: one per family of views.
+QRgb TileColour(const ViewInfo& info)
+{
+    switch (info.family) {
+    case ViewFamily::Rules:
+        return 0x5b7db1;
+    case ViewFamily::Report:
+        return info.number == View::Symbols ? 0x5b7db1 : 0x4f9a6b;
+    case ViewFamily::LL:
+        return 0xb5793a;
+    case ViewFamily::LR:
+        return 0xa24f6b;
+    case ViewFamily::Precedence:
+        return 0x6f5ba8;
+    }
+    return 0x5b7db1;
+}
 
 QIcon ViewIcon(const ViewInfo& info)
 {
@@ -73,7 +71,7 @@ QIcon ViewIcon(const ViewInfo& info)
     pixmap.fill(Qt::transparent);
     QPainter p(&pixmap);
     p.setRenderHint(QPainter::Antialiasing);
-    p.setBrush(QColor::fromRgb(info.colour));
+    p.setBrush(QColor::fromRgb(TileColour(info)));
     p.setPen(Qt::NoPen);
     p.drawRoundedRect(QRectF(1, 1, 38, 26), 5, 5);
     QFont font(QStringLiteral("Tahoma"));
@@ -225,8 +223,8 @@ void frmMain::BuildViewSelector(QWidget* bar)
     for (int v = 0; v < View::Count; ++v) {
         auto* button = new QToolButton;
         button->setObjectName(QStringLiteral("Image1_%1").arg(v));
-        button->setIcon(ViewIcon(kViews[v]));
-        button->setToolTip(QString::fromLatin1(kViews[v].tip));
+        button->setIcon(ViewIcon(ViewOf(v)));
+        button->setToolTip(QString::fromLatin1(ViewOf(v).tip));
         button->setCheckable(true);
         button->setAutoRaise(true);
         group->addButton(button, v);
@@ -408,7 +406,7 @@ void frmMain::Analyse()
     m_host->lastCritical.clear();
     ::Analyse(*m_ws, *this, m_view);
     ShowParseErrorPlace(m_host->lastCritical);
-    if (itemsButton->isChecked() && m_view >= View::SLR && m_view <= View::LR && m_ws->grammar.GetFlag(m_view))
+    if (itemsButton->isChecked() && ViewOf(m_view).HasItems() && IsAnalysed(*m_ws, m_view))
         ShowKeptResults();  // the item sets, as the Items button asks
     Picture1->ShowView(m_view, m_ws->settings.cellWidth);
 }
@@ -448,17 +446,16 @@ void frmMain::SelectView(int view)
 void frmMain::ShowKeptResults()
 {
     Grammar& g = m_ws->grammar;
-    if (m_view == View::Grammar) {
+    const ViewInfo& info = ViewOf(m_view);
+    if (info.family == ViewFamily::Rules) {
         SetText2(g.GetFlag(GrammarFlag::Parsed) ? g.CommentedRules() : QString());
-    } else if (m_view <= View::FollowR) {
+    } else if (!info.IsAnalyser()) {
         SetText2(ViewReport(*m_ws, m_view));
     } else {
-        std::unique_ptr<IAnazer> analyser = MakeAnalyser(*m_ws, m_view);
-        auto* lr = dynamic_cast<LrAnalyser*>(analyser.get());
-        if (lr && itemsButton->isChecked())
-            SetText2(lr->ItemDisplay());
+        if (info.HasItems() && itemsButton->isChecked())
+            SetText2(ItemListing(*m_ws, m_view));
         else
-            SetText2(analyser ? analyser->ExportDisplay() : NotAnalyzed);
+            SetText2(MakeAnalyser(*m_ws, m_view)->ExportDisplay());
         if (const SavedStatus* saved = SavedStatusOf(*m_ws, m_view)) {
             sState->setText(saved->state.isEmpty() ? QStringLiteral("State:") : saved->state);
             sPass->setText(saved->pass.isEmpty() ? QStringLiteral("Pass:") : saved->pass);

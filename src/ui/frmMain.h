@@ -5,8 +5,8 @@
 /// one Workspace for the program's life and drives the analysis run.
 #pragma once
 
-#include "analysers/AnalysisRun.h"
-#include "analysers/Workspace.h"
+#include "session/AnalysisRun.h"
+#include "session/Workspace.h"
 #include "storage/PINI.h"
 
 #include <QMainWindow>

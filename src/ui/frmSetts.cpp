@@ -2,7 +2,7 @@
 /// The Options dialog.
 #include "ui/frmSetts.h"
 
-#include "storage/Settings.h"
+#include "model/Settings.h"
 
 #include <QCheckBox>
 #include <QPushButton>

@@ -1,6 +1,6 @@
 // The analysis run: elapsed texts, readying the grammar, running an analyser,
 // kept results, the reset of results and the texts of failure.
-#include "analysers/AnalysisRun.h"
+#include "session/AnalysisRun.h"
 #include "support/GrammarSamples.h"
 #include "support/RecordingHost.h"
 

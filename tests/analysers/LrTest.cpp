@@ -219,8 +219,9 @@ TEST(Lr, LalrEqualsMergedCanonicalOnRandomGrammars)
         for (const auto& [key, set] : merged)
             EXPECT_EQ(ours[key], set);
         for (const auto& [key, set] : ours)
-            if (!set.empty() && key.second != 1)  // item 1: <'> -> goal, the accept
+            if (!set.empty() && key.second != 1) {  // item 1: <'> -> goal, the accept
                 EXPECT_TRUE(merged.count(key));
+            }
         ++compared;
     }
     EXPECT_GT(compared, 100);

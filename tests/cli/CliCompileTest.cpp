@@ -1,9 +1,10 @@
 // trelk-cli compile, and every command reading the companion .tkc as File Open does.
-#include "analysers/AnalysisRun.h"
+#include "session/AnalysisRun.h"
 #include "storage/GrammarFile.h"
 #include "support/GrammarSamples.h"
 #include "support/RecordingHost.h"
 #include "support/TestPaths.h"
+#include "session/OpenSave.h"
 
 #include <QDir>
 #include <QFile>

@@ -221,15 +221,17 @@ void CheckAgainstTextbook(const Grammar& g, const Textbook& t, const std::string
         const Set followR = AsSet(g.followR[At(a)]);
         EXPECT_TRUE(std::includes(followR.begin(), followR.end(), t.follow[At(a)].begin(), t.follow[At(a)].end()))
             << sym;
-        if (!anyNullable)
+        if (!anyNullable) {
             EXPECT_EQ(followR, t.follow[At(a)]) << sym << " (no nullable symbols)";
+        }
         EXPECT_TRUE(std::is_sorted(g.followB[At(a)].begin(), g.followB[At(a)].end())) << sym;
     }
     for (int r = 1; r <= g.ruleCount; ++r) {
         const CodeList& f = g.firstOfRule[At(r)];
         EXPECT_EQ(AsSet(f), t.firstOfRule[At(r)]) << what << " rule " << r;
-        if (f.Contains(0))
+        if (f.Contains(0)) {
             EXPECT_EQ(f[f.Count() - 1], 0) << what << " rule " << r << ": 0 closes the list";
+        }
     }
     const Lists followB = AsLists(g, g.followB);
     const Lists followL = LiteralExpand(g, followB, true);

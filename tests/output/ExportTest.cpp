@@ -1,6 +1,6 @@
 // Export of the selected view: preconditions and their messages, file names,
 // contents and line ends.
-#include "output/Export.h"
+#include "session/Export.h"
 #include "support/GrammarSamples.h"
 #include "support/RecordingHost.h"
 #include "support/TestPaths.h"

@@ -3,11 +3,12 @@
 // with exactly one error report and a clean analysis; a state that is kept can
 // be shown, exported and analysed further without a crash.
 #include "analysers/LrAnalyser.h"
-#include "storage/CompiledGrammar.h"
+#include "session/CompiledGrammar.h"
 #include "storage/GrammarFile.h"
 #include "support/GrammarSamples.h"
 #include "support/RecordingHost.h"
 #include "support/TestPaths.h"
+#include "session/OpenSave.h"
 
 #include <QFile>
 #include <QRegularExpression>

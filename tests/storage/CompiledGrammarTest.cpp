@@ -2,11 +2,12 @@
 // file layout, foreign and damaged companions, stale companions, texts too long
 // for a text value, and saving and opening a grammar with its companion.
 #include "analysers/LrAnalyser.h"
-#include "storage/CompiledGrammar.h"
+#include "session/CompiledGrammar.h"
 #include "storage/GrammarFile.h"
 #include "support/GrammarSamples.h"
 #include "support/RecordingHost.h"
 #include "support/TestPaths.h"
+#include "session/OpenSave.h"
 
 #include <QDir>
 #include <QFile>
@@ -244,8 +245,9 @@ TEST(CompiledGrammar, FileFollowsTheSlotLayout)
     for (int slot = 24; slot <= 49; ++slot)
         EXPECT_TRUE(slots[static_cast<std::size_t>(slot)].tag & 0x2000) << "slot " << slot;
     for (int slot = 50; slot <= 84; ++slot)
-        if (slot < 64 || slot > 66)
+        if (slot < 64 || slot > 66) {
             EXPECT_EQ(slots[static_cast<std::size_t>(slot)].tag, 8) << "slot " << slot;
+        }
     EXPECT_EQ(slots[57].text, ws.ll.text);
     EXPECT_EQ(slots[78].text, ws.lr.saved.elapsed);
 }
@@ -339,8 +341,9 @@ TEST(CompiledGrammar, DamagedFilesGiveOneErrorReportAndKeepWhatWasRestored)
         EXPECT_EQ(ws.lastFileError.number, QString::number(c.number));
         EXPECT_EQ(ws.lastFileError.description, QString::fromLatin1(c.description));
         EXPECT_EQ(ws.lastFileError.source, QStringLiteral("TKCRead"));
-        if (c.number != 13)
+        if (c.number != 13) {
             EXPECT_EQ(grammarName, QStringLiteral("calc"));  // slot 3 came before the failure
+        }
     }
 
     // Cut after the grammar model: what came before stays restored.

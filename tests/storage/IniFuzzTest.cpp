@@ -159,8 +159,9 @@ TEST(IniFuzz, TruncatedAndMutatedSettingsFiles)
         // A cut inside a value may leave "Left=" or "PSignLT=-"; whole lines always read.
         const QByteArray text = kValidFile.left(n);
         const bool read = Check(path, text, "cut at " + std::to_string(n));
-        if (text.isEmpty() || text.endsWith('\n'))
+        if (text.isEmpty() || text.endsWith('\n')) {
             EXPECT_TRUE(read) << "cut at " << n;
+        }
     }
     std::mt19937 rng(7);
     int refused = 0;

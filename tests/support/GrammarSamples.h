@@ -3,7 +3,7 @@
 /// sentences of a grammar, and compiling generated C with gcc.
 #pragma once
 
-#include "analysers/AnalysisRun.h"
+#include "session/AnalysisRun.h"
 #include "support/QtPrinters.h"
 
 #include <QString>

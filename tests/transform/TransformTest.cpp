@@ -3,12 +3,14 @@
 // language-preserving transformations on hand examples, the corpus and random
 // grammars.
 #include "GrammarOracle.h"
-#include "analysers/Workspace.h"
+#include "session/Workspace.h"
 #include "storage/GrammarFile.h"
 #include "support/GrammarSamples.h"
 #include "support/RecordingHost.h"
 #include "support/TestPaths.h"
 #include "transform/Transform.h"
+#include "session/TransformCommand.h"
+#include "session/OpenSave.h"
 
 #include <QDir>
 #include <QFile>

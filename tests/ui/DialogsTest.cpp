@@ -1,5 +1,5 @@
 // The dialogs: Options bindings, the Statistics lists, the Rename Grammar filter, About.
-#include "storage/Settings.h"
+#include "model/Settings.h"
 #include "support/GrammarSamples.h"
 #include "ui/frmAbout.h"
 #include "ui/frmRename.h"

@@ -9,6 +9,7 @@
 #include "ui/frmMain.h"
 #include "ui/frmRename.h"
 #include "ui/frmReplace.h"
+#include "session/OpenSave.h"
 
 #include <QApplication>
 #include <QDir>

@@ -1,6 +1,6 @@
 /// \file
 /// Export of the report of one view.
-#include "output/Export.h"
+#include "session/Export.h"
 
 #include "storage/GrammarFile.h"
 
@@ -8,12 +8,7 @@
 
 QString ExportSuffix(int view)
 {
-    static const char* const suffixes[View::Count] = {
-        "-0-grammar.txt", "-1-symbols.txt", "-2-first.txt", "-3-basis.txt",
-        "-4-followl.txt", "-5-followr.txt", "-6-LL-table.txt", "-7-SLR-table.txt",
-        "-8-LALR-table.txt", "-9-LR-table.txt", "-10-SPR-table.txt", "-11-OPR-table.txt",
-    };
-    return view >= 0 && view < View::Count ? QString::fromLatin1(suffixes[view]) : QString();
+    return view >= 0 && view < View::Count ? QString::fromLatin1(ViewOf(view).exportSuffix) : QString();
 }
 
 QString ExportBaseName(const QString& grammarPath)
@@ -21,38 +16,6 @@ QString ExportBaseName(const QString& grammarPath)
     const qsizetype dot = grammarPath.lastIndexOf(QLatin1Char('.'));
     return dot < 0 ? grammarPath : grammarPath.left(dot);
 }
-
-namespace {
-
-/// The report a grammar view (0..5) exports.
-QString ReportOfView(Workspace& workspace, int view)
-{
-    Grammar& g = workspace.grammar;
-    QString text;
-    switch (view) {
-    case View::Grammar:
-        text = g.CommentedRules();
-        break;
-    case View::Symbols:
-        text = g.CommentedSymbolsDisplay();
-        break;
-    case View::First:
-    case View::Basis:  // on purpose: the basis file carries the FIRST report, as it always has
-        text = g.CommentedFirst();
-        break;
-    case View::FollowL:
-        text = g.CommentedFollowL();
-        break;
-    case View::FollowR:
-        text = g.CommentedFollowR();
-        break;
-    default:
-        break;
-    }
-    return text;
-}
-
-} // namespace
 
 QString ExportView(Workspace& workspace, AnalysisFrontend& frontend, int view)
 {
@@ -65,11 +28,11 @@ QString ExportView(Workspace& workspace, AnalysisFrontend& frontend, int view)
     const QString base = ExportBaseName(g.Path());
     if (view < 0 || view >= View::Count)
         return QString();
-    if (view <= View::FollowR && !g.GetFlag(GrammarFlag::Parsed)) {
+    if (!ViewOf(view).IsAnalyser() && !g.GetFlag(GrammarFlag::Parsed)) {
         host.information(QStringLiteral("Analyze grammar first."));
         return QString();
     }
-    if (view >= View::LL && !g.GetFlag(view)) {
+    if (ViewOf(view).IsAnalyser() && !IsAnalysed(workspace, view)) {
         host.information(QStringLiteral("This method is not analysed yet."));
         return QString();
     }
@@ -78,7 +41,7 @@ QString ExportView(Workspace& workspace, AnalysisFrontend& frontend, int view)
     const QString file = base + ExportSuffix(view);
     QString error;
     bool written = false;
-    if (view >= View::LL) {
+    if (ViewOf(view).IsAnalyser()) {
         // A new analyser object draws on the kept results: no analysis runs. Its
         // tables are streamed into the file, then the text writer's final CR LF.
         workspace.current = MakeAnalyser(workspace, view);
@@ -95,7 +58,7 @@ QString ExportView(Workspace& workspace, AnalysisFrontend& frontend, int view)
         if (!written)
             error = QStringLiteral("cannot write ") + file + QStringLiteral(": ") + out.errorString();
     } else {
-        written = WriteTextFile(file, ReportOfView(workspace, view), error);
+        written = WriteTextFile(file, ViewOf(view).exportedReport(g), error);
     }
     ProcessStop(workspace, frontend);
     if (!written) {

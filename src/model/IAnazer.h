@@ -3,7 +3,7 @@
 /// is made for each run; its results live in the Workspace and outlive it.
 #pragma once
 
-#include "output/TextSink.h"
+#include "model/TextSink.h"
 
 #include <QString>
 
@@ -11,8 +11,8 @@ class IAnazer {
 public:
     virtual ~IAnazer() = default;
     /// True while an analysis runs; Stop clears it and Analyze returns at its next test.
-    virtual bool InProcess() const = 0;
-    virtual void SetInProcess(bool value) = 0;
+    bool InProcess() const { return m_inProcess; }
+    void SetInProcess(bool value) { m_inProcess = value; }
     /// Runs the test on the workspace's grammar; true when the grammar passes it.
     /// Fills the analyser's kept results (tables, result text).
     virtual bool Analyze() = 0;
@@ -22,4 +22,7 @@ public:
     virtual void WriteTable(TextSink& sink) { sink.Write(TableDisplay()); }
     /// The result text (verdict and listing) of the last Analyze.
     virtual QString ExportDisplay() = 0;
+
+private:
+    bool m_inProcess = false;
 };

@@ -1,21 +1,10 @@
 /// \file
 /// The analysis run.
-#include "analysers/AnalysisRun.h"
+#include "session/AnalysisRun.h"
+
+#include "analysers/LrAnalyser.h"
 
 #include <QElapsedTimer>
-
-QString ElapsedText(qint64 milliseconds)
-{
-    const qint64 s = milliseconds / 1000;
-    const QString ms = QStringLiteral("%1").arg(milliseconds % 1000, 3, 10, QLatin1Char('0'));
-    auto two = [](qint64 v) { return QStringLiteral("%1").arg(v, 2, 10, QLatin1Char('0')); };
-    if (s < 60)
-        return QString::number(s) + QLatin1Char(',') + ms;
-    if (s < 3600)
-        return QString::number(s / 60) + QLatin1Char(':') + two(s % 60) + QLatin1Char(',') + ms;
-    return QString::number(s / 3600) + QLatin1Char(':') + two(s / 60 % 60) + QLatin1Char(':') + two(s % 60)
-         + QLatin1Char(',') + ms;
-}
 
 void ProcessStart(Workspace&, AnalysisFrontend& frontend)
 {
@@ -71,41 +60,24 @@ void RunAnalyser(Workspace& workspace, AnalysisFrontend& frontend, IAnazer& anal
 
 QString ViewReport(Workspace& workspace, int view)
 {
-    Grammar& g = workspace.grammar;
-    switch (view) {
-    case View::Symbols:
-        return g.GetFlag(GrammarFlag::Parsed) ? g.CommentedSymbolsDisplay() : NotAnalyzed;
-    case View::First:
-        return g.CommentedFirst();
-    case View::Basis:
-        return g.CommentedBasis();
-    case View::FollowL:
-        return g.CommentedFollowL();
-    case View::FollowR:
-        return g.CommentedFollowR();
-    default:
+    if (view < 0 || view >= View::Count || !ViewOf(view).shownReport)
         return QString();
-    }
+    return ViewOf(view).shownReport(workspace.grammar);
 }
 
-SavedStatus* SavedStatusOf(Workspace& workspace, int view)
+std::unique_ptr<IAnazer> MakeAnalyser(Workspace& workspace, int view)
 {
-    switch (view) {
-    case View::LL:
-        return &workspace.ll.saved;
-    case View::SLR:
-        return &workspace.slr.saved;
-    case View::LALR:
-        return &workspace.lalr.saved;
-    case View::LR:
-        return &workspace.lr.saved;
-    case View::SPR:
-        return &workspace.spr.saved;
-    case View::OPR:
-        return &workspace.opr.saved;
-    default:
+    if (view < 0 || view >= View::Count || !ViewOf(view).IsAnalyser())
         return nullptr;
-    }
+    return ViewOf(view).make(workspace);
+}
+
+QString ItemListing(Workspace& workspace, int view)
+{
+    if (view < 0 || view >= View::Count || !ViewOf(view).HasItems())
+        return QString();
+    const std::unique_ptr<IAnazer> analyser = MakeAnalyser(workspace, view);
+    return static_cast<LrAnalyser&>(*analyser).ItemDisplay();
 }
 
 void Analyse(Workspace& workspace, AnalysisFrontend& frontend, int view)
@@ -114,13 +86,11 @@ void Analyse(Workspace& workspace, AnalysisFrontend& frontend, int view)
         return;
     ProcessStart(workspace, frontend);
     frontend.SetText2(QString());
-    if (view == View::Grammar) {
+    const ViewInfo& info = ViewOf(view);
+    if (!info.IsAnalyser()) {
         AnalyzeGrammar(workspace, frontend);
-        return;
-    }
-    if (view <= View::FollowR) {
-        AnalyzeGrammar(workspace, frontend);
-        frontend.SetText2(ViewReport(workspace, view));
+        if (info.shownReport)
+            frontend.SetText2(ViewReport(workspace, view));
         return;
     }
     if (!workspace.grammar.Parsed() && !AnalyzeGrammar(workspace, frontend)) {
@@ -133,7 +103,7 @@ void Analyse(Workspace& workspace, AnalysisFrontend& frontend, int view)
         ProcessStop(workspace, frontend);
         return;
     }
-    if (!workspace.grammar.GetFlag(view))
+    if (!IsAnalysed(workspace, view))
         RunAnalyser(workspace, frontend, *workspace.current);
     frontend.SetText2(frontend.WantsOutput() ? workspace.current->ExportDisplay() : QString());
     if (SavedStatus* saved = SavedStatusOf(workspace, view)) {

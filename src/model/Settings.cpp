@@ -1,3 +1,3 @@
 /// \file
 /// Settings values (reading and writing live in SettingsFile.cpp).
-#include "storage/Settings.h"
+#include "model/Settings.h"

@@ -1,6 +1,6 @@
 /// \file
 /// The streaming text sink.
-#include "output/TextSink.h"
+#include "model/TextSink.h"
 
 #include <QIODevice>
 #include <cstring>

@@ -3,7 +3,7 @@
 /// grammar, named after it with the view's suffix.
 #pragma once
 
-#include "analysers/AnalysisRun.h"
+#include "session/AnalysisRun.h"
 
 #include <QString>
 

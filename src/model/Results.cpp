@@ -1,6 +1,6 @@
 /// \file
 /// The LL(1) table and the precedence matrix representations.
-#include "analysers/Results.h"
+#include "model/Results.h"
 
 #include <algorithm>
 

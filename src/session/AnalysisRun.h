@@ -6,27 +6,12 @@
 /// save handler.
 #pragma once
 
-#include "analysers/Workspace.h"
+#include "model/Texts.h"
+#include "session/Views.h"
+#include "session/Workspace.h"
 
 #include <QString>
 #include <memory>
-
-/// The views, in the order of the view selector; views 6..11 are analysers.
-namespace View {
-constexpr int Grammar = 0;
-constexpr int Symbols = 1;
-constexpr int First = 2;
-constexpr int Basis = 3;
-constexpr int FollowL = 4;
-constexpr int FollowR = 5;
-constexpr int LL = 6;
-constexpr int SLR = 7;
-constexpr int LALR = 8;
-constexpr int LR = 9;
-constexpr int SPR = 10;
-constexpr int OPR = 11;
-constexpr int Count = 12;
-} // namespace View
 
 /// What the analysis run asks of the window that drives it.
 class AnalysisFrontend {
@@ -50,12 +35,11 @@ public:
     bool processing = false;
 };
 
-/// "7,045", "2:05,045", "1:02:05,045": whole milliseconds as elapsed time, with a
-/// comma before the milliseconds whatever the locale.
-QString ElapsedText(qint64 milliseconds);
-
 /// A new analyser object for views 6..11 (null for other views).
 std::unique_ptr<IAnazer> MakeAnalyser(Workspace& workspace, int view);
+/// The text the output box shows for an LR view with its item sets asked
+/// for: the item-set listing; "" for other views.
+QString ItemListing(Workspace& workspace, int view);
 
 /// Sets the busy state; the window's own effects go through the frontend.
 void ProcessStart(Workspace& workspace, AnalysisFrontend& frontend);
@@ -76,6 +60,3 @@ void Analyse(Workspace& workspace, AnalysisFrontend& frontend, int view);
 
 /// The kept report of views 1..5 (the symbol listing and the set reports).
 QString ViewReport(Workspace& workspace, int view);
-
-/// The saved status texts of analyser view 6..11 (null for other views).
-SavedStatus* SavedStatusOf(Workspace& workspace, int view);

@@ -2,10 +2,10 @@
 /// The compiled grammar file: the tagged-value encoding, the one slot table
 /// that TKCSave and TKCRead both walk, and the check that a restored state
 /// belongs to the grammar text it was opened with.
-#include "storage/CompiledGrammar.h"
+#include "session/CompiledGrammar.h"
 
 #include "analysers/LrItems.h"
-#include "analysers/Workspace.h"
+#include "session/Workspace.h"
 #include "storage/GrammarFile.h"
 
 #include <QFile>
