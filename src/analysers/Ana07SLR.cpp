@@ -4,7 +4,7 @@
 
 Ana07SLR::Ana07SLR(Model& model)
     : LrAnalyser(model, model.slr,
-                 {GrammarFlag::AnalysedSLR, GrammarFlag::SLRVerdict, "SLR", "This Grammar Is Not SLR(1).", false})
+                 {GrammarFlag::AnalysedSLR, GrammarFlag::SLRVerdict, "SLR", "This Grammar Is Not SLR(1).", false, ConflictMethod::SLR})
 {
 }
 

@@ -4,7 +4,7 @@
 
 Ana08LALR::Ana08LALR(Model& model)
     : LrAnalyser(model, model.lalr,
-                 {GrammarFlag::AnalysedLALR, GrammarFlag::LALRVerdict, "LALR", "This Grammar Is Not LALR(1).", true})
+                 {GrammarFlag::AnalysedLALR, GrammarFlag::LALRVerdict, "LALR", "This Grammar Is Not LALR(1).", true, ConflictMethod::LALR})
 {
 }
 

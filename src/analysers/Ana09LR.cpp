@@ -4,7 +4,7 @@
 
 Ana09LR::Ana09LR(Model& model)
     : LrAnalyser(model, model.lr,
-                 {GrammarFlag::AnalysedLR, GrammarFlag::LRVerdict, "LR", "This Grammar Is Not LR(1).", false})
+                 {GrammarFlag::AnalysedLR, GrammarFlag::LRVerdict, "LR", "This Grammar Is Not LR(1).", false, ConflictMethod::LR})
 {
 }
 

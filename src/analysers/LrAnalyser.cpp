@@ -7,9 +7,6 @@
 #include <algorithm>
 #include <unordered_map>
 
-namespace {
-}
-
 bool LrAnalyser::Analyze()
 {
     Grammar& g = m_model.grammar;
@@ -71,9 +68,8 @@ bool LrAnalyser::Analyze()
                 }
                 // The cell keeps what it holds: a shift or an earlier reduce wins, on
                 // purpose without any precedence rule.
-                m_results.conflicts << QStringLiteral("Unable to write reduce ") + QString::number(entry)
-                                           + QStringLiteral(" in [") + QString::number(s) + QLatin1Char(',')
-                                           + QString::number(t) + QStringLiteral("].");
+                m_results.conflicts.push_back({m_kind.method, s, t, cell, {entry},
+                                               cell < 0 ? ConflictKind::ReduceReduce : ConflictKind::ShiftReduce});
             }
         }
         std::sort(touched.begin(), touched.end());
@@ -88,7 +84,7 @@ bool LrAnalyser::Analyze()
         row.swap(packed);
         std::vector<std::pair<int, std::vector<int>>>().swap(reduces[static_cast<std::size_t>(s)]);
     }
-    const bool verdict = m_results.conflicts.isEmpty();
+    const bool verdict = m_results.conflicts.empty();
     g.SetFlag(m_kind.verdictFlag, verdict);
     // Both listings are built when first shown.
     m_results.tableText.clear();
@@ -125,7 +121,7 @@ QString LrAnalyser::BuildTableText() const
         printed[static_cast<std::size_t>(c)] = QStringLiteral("    ") + g.GetSymbolS(c).leftJustified(width)
                                              + QLatin1Char(' ');
     QString text;
-    if (!m_results.conflicts.isEmpty())
+    if (!m_results.conflicts.empty())
         text += QString::fromLatin1(m_kind.verdict) + kEol;
     for (std::size_t s = 0; s < rows.size(); ++s) {
         text += QStringLiteral("State ") + QString::number(s) + kEol;
@@ -142,8 +138,8 @@ QString LrAnalyser::BuildTableText() const
             text += kEol;
         }
     }
-    for (const QString& line : m_results.conflicts)
-        text += line + kEol;
+    for (const Conflict& conflict : m_results.conflicts)
+        text += LrConflictText(conflict) + kEol;
     return text;
 }
 
@@ -154,7 +150,7 @@ QString LrAnalyser::BuildItemText() const
     const LrItems& items = lg.items;
     const bool all = m_model.settings.displayAllItems != 0;
     QString text;
-    if (!m_results.conflicts.isEmpty())
+    if (!m_results.conflicts.empty())
         text += QString::fromLatin1(m_kind.verdict) + kEol;
     Lr1Closure closure(lg);
     for (std::size_t s = 0; s < m_results.kernels.size(); ++s) {
@@ -239,7 +235,7 @@ void LrAnalyser::WriteTable(TextSink& sink)
     const Grammar& g = m_model.grammar;
     if (!g.GetFlag(m_kind.analysedFlag))
         return;
-    CTables::WriteLrTable(sink, g, m_model.settings, m_results.rows, m_results.conflicts,
+    CTables::WriteLrTable(sink, g, m_model.settings, m_results.rows, LrConflictTexts(m_results.conflicts),
                           QString::fromLatin1(m_kind.shortName), CTables::GenerationTime());
     if (m_model.settings.generateRecognizer != 0)
         sink.Write(kEol + Recognizer());

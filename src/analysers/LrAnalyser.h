@@ -30,6 +30,7 @@ protected:
         const char* shortName;  ///< "SLR", "LALR", "LR"
         const char* verdict;    ///< "This Grammar Is Not SLR(1)." etc.
         bool showPass;          ///< writes "Pass: N"
+        ConflictMethod method;  ///< what its conflict records say
     };
     LrAnalyser(Model& model, LrResults& results, const Kind& kind)
         : m_model(model)

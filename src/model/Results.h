@@ -4,6 +4,7 @@
 #pragma once
 
 #include "grammar/Grammar.h"
+#include "model/Conflicts.h"
 
 #include <QString>
 #include <QStringList>
@@ -158,7 +159,9 @@ struct LrResults {
     std::vector<std::vector<int>> kernels;     ///< by state: kernel items (numbered as LrItems does)
     std::vector<SparseRow> rows;               ///< by state: shift/goto > 0, reduce < 0, absent 0, M+1 accept
     std::vector<int> accessing;                ///< by state: the symbol that leads into it (-2 for state 0)
-    QStringList conflicts;                     ///< the reduces that could not be written
+    /// The reduces that could not be written, one record each, in the order met
+    /// (model/Conflicts.h; the listing writes them as LrConflictText).
+    std::vector<Conflict> conflicts;
     /// by state: for LALR(1) and LR(1), the look-aheads of each kernel item and
     /// each empty rule of the closure, as "rule, count, members..." runs; empty for SLR(1).
     std::vector<std::vector<int>> lookaheads;

@@ -9,6 +9,7 @@
 #include "storage/GrammarFile.h"
 
 #include <QFile>
+#include <QRegularExpression>
 #include <type_traits>
 #include <variant>
 
@@ -395,6 +396,43 @@ struct TextArray {
     }
 };
 
+/// The refused reduces of an LR table: written as the listing's lines, read
+/// back into records. A line of another shape gives a record that no state
+/// holds, so the restored state is discarded (LrResultsWithin); what the cell
+/// kept is filled in there, once the rows are read.
+struct LrConflictLines {
+    Field<std::vector<Conflict>> field;
+    ConflictMethod method;
+    void Write(TkcWriter& out, Walk& w) const
+    {
+        const std::vector<Conflict>& conflicts = field(w.ws);
+        out.ArrayHeader(Tag::Text, conflicts.size(), 0);
+        for (const Conflict& conflict : conflicts)
+            out.TextData(LrConflictText(conflict));
+    }
+    void Read(TkcReader& in, Walk& w) const
+    {
+        static const QRegularExpression line(QStringLiteral("^Unable to write reduce (-\\d+) in \\[(\\d+),(\\d+)\\]\\.$"));
+        const std::size_t count = in.ArrayHeader(Tag::Text, 0, 2);
+        std::vector<Conflict> conflicts;
+        conflicts.reserve(count);
+        for (std::size_t i = 0; i < count; ++i) {
+            const QRegularExpressionMatch m = line.match(in.TextData());
+            Conflict conflict{method, -1, 0, 0, {0}, ConflictKind::ShiftReduce};
+            bool rowOk = false, columnOk = false, entryOk = false;
+            if (m.hasMatch()) {
+                conflict.rejected = {m.captured(1).toInt(&entryOk)};
+                conflict.row = m.captured(2).toInt(&rowOk);
+                conflict.column = m.captured(3).toInt(&columnOk);
+            }
+            if (!(rowOk && columnOk && entryOk))
+                conflict.row = -1;
+            conflicts.push_back(std::move(conflict));
+        }
+        field(w.ws) = std::move(conflicts);
+    }
+};
+
 /// An array of true/false marks, from 0.
 struct Marks {
     Field<std::vector<char>> field;
@@ -687,7 +725,7 @@ struct Precedence {
 };
 
 using Binding = std::variant<Signature, Version, WalkText, ParsedList, Counter, TextArray<std::vector<QString>>,
-                             TextArray<QStringList>, Marks, Flags, IntLists, Sets, LLCells, Rows, Ints, StateCount,
+                             LrConflictLines, Marks, Flags, IntLists, Sets, LLCells, Rows, Ints, StateCount,
                              Text, Precedence>;
 
 struct Slot {
@@ -739,16 +777,16 @@ const Slot kSlots[] = {
     {35, IntLists{TKC_FIELD(ws.slr.kernels), 0}},  // SLR(1), by state
     {36, Rows{TKC_FIELD(ws.slr.rows)}},
     {37, Ints{TKC_FIELD(ws.slr.accessing)}},
-    {38, TextArray<QStringList>{TKC_FIELD(ws.slr.conflicts), 0}},
+    {38, LrConflictLines{TKC_FIELD(ws.slr.conflicts), ConflictMethod::SLR}},
     {39, IntLists{TKC_FIELD(ws.lalr.kernels), 0}},  // LALR(1), by state
     {40, Rows{TKC_FIELD(ws.lalr.rows)}},
     {41, Ints{TKC_FIELD(ws.lalr.accessing)}},
-    {42, TextArray<QStringList>{TKC_FIELD(ws.lalr.conflicts), 0}},
+    {42, LrConflictLines{TKC_FIELD(ws.lalr.conflicts), ConflictMethod::LALR}},
     {43, IntLists{TKC_FIELD(ws.lalr.lookaheads), 0}},
     {44, IntLists{TKC_FIELD(ws.lr.kernels), 0}},  // canonical LR(1), by state
     {45, Rows{TKC_FIELD(ws.lr.rows)}},
     {46, Ints{TKC_FIELD(ws.lr.accessing)}},
-    {47, TextArray<QStringList>{TKC_FIELD(ws.lr.conflicts), 0}},
+    {47, LrConflictLines{TKC_FIELD(ws.lr.conflicts), ConflictMethod::LR}},
     {48, IntLists{TKC_FIELD(ws.lr.lookaheads), 0}},
     {49, Precedence{}},  // the precedence matrices, flags and result texts
     // Texts.
@@ -878,6 +916,11 @@ bool LrResultsWithin(const LrResults& r, const Grammar& g, int itemCount)
                     return false;
         }
     }
+    // Each refused reduce names a filled cell of a state on a terminal.
+    for (const Conflict& c : r.conflicts)
+        if (c.row < 0 || static_cast<std::size_t>(c.row) >= states || c.column < 0 || c.column > g.terminalCount
+            || c.rejected.size() != 1 || c.rejected[0] >= 0 || c.rejected[0] < -g.ruleCount || c.kept == 0)
+            return false;
     return true;
 }
 
@@ -909,10 +952,13 @@ bool AnalysesWithin(Workspace& ws, const Grammar& parsed)
         }
     }
     const int itemCount = LrItems(g).Count();
-    const std::pair<const LrResults*, int> lrs[] = {
-        {&ws.slr, GrammarFlag::AnalysedSLR}, {&ws.lalr, GrammarFlag::AnalysedLALR}, {&ws.lr, GrammarFlag::AnalysedLR}};
-    for (const auto& [results, flag] : lrs)
-        if (g.GetFlag(flag) && !LrResultsWithin(*results, g, itemCount))
+    const std::tuple<const LrResults*, int, int> lrs[] = {{&ws.slr, GrammarFlag::AnalysedSLR, GrammarFlag::SLRVerdict},
+                                                    {&ws.lalr, GrammarFlag::AnalysedLALR, GrammarFlag::LALRVerdict},
+                                                    {&ws.lr, GrammarFlag::AnalysedLR, GrammarFlag::LRVerdict}};
+    // A table's verdict is that it has no conflict.
+    for (const auto& [results, flag, verdict] : lrs)
+        if (g.GetFlag(flag)
+            && (!LrResultsWithin(*results, g, itemCount) || g.GetFlag(verdict) != results->conflicts.empty()))
             return false;
     return true;
 }
@@ -960,6 +1006,13 @@ TkcReadResult TKCRead(Workspace& workspace, const QString& path, QString& gramma
         ReportFileError(workspace, failure.number, QStringLiteral("TKCRead"));
         result = TkcReadResult::Failed;
     }
+    // The file keeps only the refused reduces; what each cell kept is in the rows.
+    for (LrResults* results : {&workspace.slr, &workspace.lalr, &workspace.lr})
+        for (Conflict& c : results->conflicts)
+            if (c.row >= 0 && static_cast<std::size_t>(c.row) < results->rows.size()) {
+                c.kept = RowEntry(results->rows[static_cast<std::size_t>(c.row)], c.column);
+                c.kind = c.kept < 0 ? ConflictKind::ReduceReduce : ConflictKind::ShiftReduce;
+            }
     grammarName = walk.grammarName;
     grammarPath = walk.grammarPath;
     return result;

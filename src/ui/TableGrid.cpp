@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <QFontDatabase>
 #include <QHeaderView>
-#include <QRegularExpression>
 
 namespace {
 
@@ -56,13 +55,8 @@ void TableModel::ShowView(int view)
         } else if (const LrResults* lr = LrOf(m_ws, view)) {
             m_rows = lr->States();
             m_columns = g.lastCode + 1;
-            // "Unable to write reduce -3 in [5,2]." marks cell [5,2].
-            static const QRegularExpression place(QStringLiteral("\\[(\\d+),(\\d+)\\]\\.$"));
-            for (const QString& line : lr->conflicts) {
-                const QRegularExpressionMatch m = place.match(line);
-                if (m.hasMatch())
-                    m_conflicts.insert(Key(m.captured(1).toInt(), m.captured(2).toInt()));
-            }
+            for (const Conflict& conflict : lr->conflicts)
+                m_conflicts.insert(Key(conflict.row, conflict.column));
         } else if (const PrecedenceResults* p = PrecedenceOf(m_ws, view)) {
             m_rows = m_columns = p->Size();
             for (int r = 0; r < m_rows; ++r)

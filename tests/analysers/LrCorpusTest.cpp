@@ -83,7 +83,7 @@ TEST(LrCorpus, Lr0AndLalrAgreeWithBison)
         EXPECT_EQ(ready.ws.lalr.States(), Int(row, "bison_lalr_states") - 1);
         const bool bisonClean = Int(row, "bison_lalr_sr") + Int(row, "bison_lalr_rr") == 0;
         EXPECT_EQ(lalr, bisonClean);
-        EXPECT_EQ(ready.ws.lalr.conflicts.isEmpty(), bisonClean);
+        EXPECT_EQ(ready.ws.lalr.conflicts.empty(), bisonClean);
         EXPECT_TRUE(ready.host.questions.isEmpty());
     }
 }

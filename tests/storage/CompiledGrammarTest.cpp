@@ -72,7 +72,7 @@ TEST(CompiledGrammar, RoundTripRestoresEveryKeptResult)
     a.grammar.SetFlagValue(30, false);  // false and never written are kept apart
     // The sample exercises every shape the file has.
     ASSERT_EQ(a.ll.synta.ConflictCount(), 2);
-    ASSERT_EQ(a.slr.conflicts.size(), 2);
+    ASSERT_EQ(a.slr.conflicts.size(), 2u);
     ASSERT_FALSE(a.lalr.lookaheads.empty());
     ASSERT_FALSE(a.lr.itemText.isEmpty());
 
