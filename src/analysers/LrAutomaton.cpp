@@ -2,7 +2,7 @@
 /// LR(0) and canonical LR(1) automata, the pass frame, and LALR(1) look-aheads.
 #include "analysers/LrAutomaton.h"
 
-#include "model/Texts.h"
+#include "grammar/Texts.h"
 #include "grammar/Digraph.h"
 
 #include <algorithm>

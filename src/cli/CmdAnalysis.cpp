@@ -6,6 +6,7 @@
 
 #include "session/AnalysisRun.h"
 #include "session/Export.h"
+#include "session/Verdicts.h"
 
 #include <QElapsedTimer>
 #include <cstdio>
@@ -33,22 +34,6 @@ private:
     QString m_text;
     bool m_wantsOutput;
 };
-
-/// A precedence method that refused the grammar before building a table (empty
-/// rules, equal right parts, a non-terminal without a left or right set) has
-/// left its reason in its result text. True for such a refusal; reason is then
-/// the reason shortened ("" for the missing sets).
-bool PrecedenceRefusal(const Grammar& g, int view, QString& reason)
-{
-    const QString text = view == View::SPR ? g.precedence.sprText : g.precedence.oprText;
-    if (text == NotAnalyzed)
-        return false;
-    if (text.endsWith(QStringLiteral("Empty Rules Are Not Allowed.")))
-        reason = QStringLiteral("empty rules");
-    else if (text.endsWith(QStringLiteral("Rules with Equal Right Parts Are Not Allowed.")))
-        reason = QStringLiteral("equal right parts");
-    return true;
-}
 
 /// After the first Analyse: a grammar that did not parse has had its message
 /// shown (a blank file gets one here).
@@ -114,28 +99,92 @@ int CmdExport(Workspace& workspace, const CliOptions&, const QStringList& args)
     return kExitOk;
 }
 
-int CmdSummary(Workspace& workspace, const CliOptions&, const QStringList& args)
-{
+namespace {
+
+struct SummaryOptions {
     bool json = false;
-    QString require;
+    int required = -1;  ///< the view --require names; -1 for none
+};
+
+/// Reads summary's options after the grammar; false (with the message shown) on a usage error.
+bool ParseSummaryOptions(const QStringList& args, SummaryOptions& options)
+{
     for (qsizetype i = 1; i < args.size(); ++i) {
         if (args[i] == QStringLiteral("--json")) {
-            json = true;
+            options.json = true;
         } else if (args[i] == QStringLiteral("--require") && i + 1 < args.size()) {
-            require = args[++i];
+            const QString method = args[++i];
+            options.required = ParseView(method);
+            if (options.required < 0 || !ViewOf(options.required).IsAnalyser()) {
+                WriteErr(QStringLiteral("trelk-cli: --require takes ll slr lalr lr spr opr, not ") + method);
+                return false;
+            }
         } else {
             WriteErr(QStringLiteral("trelk-cli: summary takes --json and --require METHOD, not ") + args[i]);
-            return kExitUsage;
+            return false;
         }
     }
-    int required = -1;
-    if (!require.isEmpty()) {
-        required = ParseView(require);
-        if (required < View::LL) {
-            WriteErr(QStringLiteral("trelk-cli: --require takes ll slr lalr lr spr opr, not ") + require);
-            return kExitUsage;
-        }
+    return true;
+}
+
+/// "LALR(1)" or "not LALR(1)", with the reason of an LL(1) refusal; "not analysed" without a verdict.
+QString VerdictText(const MethodVerdict& v)
+{
+    const QString method = QString::fromLatin1(ViewOf(v.view).method);
+    if (!v.HasVerdict())
+        return QStringLiteral("not analysed");
+    if (v.refusal == Refusal::LeftRecursion)
+        return QStringLiteral("not ") + method + QStringLiteral(": left recursion");
+    return v.passes ? method : QStringLiteral("not ") + method;
+}
+
+/// One line of the summary: method, verdict, size and conflicts (or the reason of a refusal), time.
+QString SummaryLine(const MethodVerdict& v, qint64 ms)
+{
+    QString line = QString::fromLatin1(ViewOf(v.view).method).leftJustified(20) + VerdictText(v).leftJustified(28);
+    if (v.analysed) {
+        const QString size = ViewOf(v.view).lrResults ? QStringLiteral("%1 states").arg(v.states)
+                           : QStringLiteral("table %1x%2").arg(v.rows).arg(v.columns);
+        line += size.leftJustified(16) + QStringLiteral("%1 conflicts").arg(v.conflicts).leftJustified(16);
+    } else {
+        line += (v.refusal == Refusal::LeftRecursion ? QString() : RefusalReason(v.refusal)).leftJustified(32);
     }
+    line += ElapsedText(ms);
+    while (line.endsWith(QLatin1Char(' ')))
+        line.chop(1);
+    return line + QLatin1Char('\n');
+}
+
+QJsonObject SummaryJson(const MethodVerdict& v, qint64 ms)
+{
+    QJsonObject o;
+    o[QStringLiteral("method")] = QString::fromLatin1(ViewOf(v.view).name);
+    o[QStringLiteral("analysed")] = v.HasVerdict();
+    if (v.HasVerdict())
+        o[QStringLiteral("passes")] = v.passes;
+    if (!v.analysed && !RefusalReason(v.refusal).isEmpty() && v.refusal != Refusal::LeftRecursion)
+        o[QStringLiteral("reason")] = RefusalReason(v.refusal);
+    if (v.analysed) {
+        if (ViewOf(v.view).lrResults) {
+            o[QStringLiteral("states")] = v.states;
+        } else {
+            o[QStringLiteral("rows")] = v.rows;
+            o[QStringLiteral("columns")] = v.columns;
+        }
+        o[QStringLiteral("conflicts")] = v.conflicts;
+    }
+    o[QStringLiteral("elapsed")] = ElapsedText(ms);
+    o[QStringLiteral("elapsedMs")] = ms;
+    return o;
+}
+
+} // namespace
+
+int CmdSummary(Workspace& workspace, const CliOptions&, const QStringList& args)
+{
+    SummaryOptions options;
+    if (!ParseSummaryOptions(args, options))
+        return kExitUsage;
     QString text;
     if (int status = LoadGrammar(workspace, args[0], text))
         return status;
@@ -150,76 +199,20 @@ int CmdSummary(Workspace& workspace, const CliOptions&, const QStringList& args)
     QJsonArray methods;
     QString lines;
     bool requiredPasses = true;
-    for (const ViewInfo& m : Views()) {
-        if (!m.IsAnalyser())
+    for (const ViewInfo& info : Views()) {
+        if (!info.IsAnalyser())
             continue;
         QElapsedTimer timer;
         timer.start();
-        Analyse(workspace, frontend, m.number);
+        Analyse(workspace, frontend, info.number);
         const qint64 ms = timer.elapsed();
-        const bool analysed = IsAnalysed(workspace, m.number);
-        QJsonObject o;
-        o[QStringLiteral("method")] = QString::fromLatin1(m.name);
-        o[QStringLiteral("analysed")] = analysed;
-        QString size, verdict, refusal;
-        int conflicts = 0;
-        bool passes = false;
-        if (!analysed) {
-            // Left recursion stops LL(1) before a table exists: that is a verdict too.
-            if (m.number == View::LL && g.GetFlag(GrammarFlag::LeftRecursive)) {
-                verdict = QStringLiteral("not LL(1): left recursion");
-                o[QStringLiteral("analysed")] = true;
-                o[QStringLiteral("passes")] = false;
-            } else if (m.number >= View::SPR && PrecedenceRefusal(g, m.number, refusal)) {
-                verdict = QStringLiteral("not ") + QString::fromLatin1(m.method);
-                o[QStringLiteral("analysed")] = true;
-                o[QStringLiteral("passes")] = false;
-                if (!refusal.isEmpty())
-                    o[QStringLiteral("reason")] = refusal;
-            } else {
-                verdict = QStringLiteral("not analysed");
-            }
-        } else if (m.number == View::LL) {
-            passes = workspace.ll.synta.ConflictCount() == 0;
-            conflicts = workspace.ll.synta.ConflictCount();
-            size = QStringLiteral("table %1x%2").arg(workspace.ll.synta.Rows()).arg(workspace.ll.synta.Columns());
-            o[QStringLiteral("rows")] = workspace.ll.synta.Rows();
-            o[QStringLiteral("columns")] = workspace.ll.synta.Columns();
-        } else if (m.number <= View::LR) {
-            const LrResults& r = m.number == View::SLR ? workspace.slr : m.number == View::LALR ? workspace.lalr : workspace.lr;
-            conflicts = static_cast<int>(r.conflicts.size());
-            passes = conflicts == 0;
-            size = QStringLiteral("%1 states").arg(r.States());
-            o[QStringLiteral("states")] = r.States();
-        } else {
-            const PrecedenceMatrix& synta = m.number == View::SPR ? workspace.spr.synta : workspace.opr.synta;
-            conflicts = synta.ConflictCount();
-            passes = conflicts == 0;
-            size = QStringLiteral("table %1x%1").arg(synta.Size());
-            o[QStringLiteral("rows")] = synta.Size();
-            o[QStringLiteral("columns")] = synta.Size();
-        }
-        if (analysed) {
-            verdict = passes ? QString::fromLatin1(m.method) : QStringLiteral("not ") + QString::fromLatin1(m.method);
-            o[QStringLiteral("passes")] = passes;
-            o[QStringLiteral("conflicts")] = conflicts;
-        }
-        o[QStringLiteral("elapsed")] = ElapsedText(ms);
-        o[QStringLiteral("elapsedMs")] = ms;
-        methods.append(o);
-        if (m.number == required && !(analysed && passes))
+        const MethodVerdict verdict = Judge(workspace, info.number);
+        if (info.number == options.required && !(verdict.analysed && verdict.passes))
             requiredPasses = false;
-        lines += QString::fromLatin1(m.method).leftJustified(20) + verdict.leftJustified(28);
-        if (analysed)
-            lines += size.leftJustified(16) + QStringLiteral("%1 conflicts").arg(conflicts).leftJustified(16);
-        else
-            lines += refusal.leftJustified(32);
-        lines += ElapsedText(ms);
-        while (lines.endsWith(QLatin1Char(' ')))
-            lines.chop(1);
-        lines += QLatin1Char('\n');
+        methods.append(SummaryJson(verdict, ms));
+        lines += SummaryLine(verdict, ms);
     }
-    if (json) {
+    if (options.json) {
         QJsonObject root;
         root[QStringLiteral("grammar")] = args[0];
         root[QStringLiteral("terminals")] = g.terminalCount;

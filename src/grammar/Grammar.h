@@ -35,6 +35,19 @@ constexpr int LeftRecursive = 24;     ///< the grammar is left-recursive
 constexpr int Count = 32;
 } // namespace GrammarFlag
 
+/// Where the last parse stopped and why. The text is the message shown; the
+/// place is what the editor puts the cursor on: line counts the non-blank
+/// lines from 1, column is the position on the line after the cut before its
+/// first "<" with spaces removed (0 when the message names a line only, and
+/// line 0 when it names no place, as for an undefined non-terminal).
+struct ParseError {
+    int line = 0;
+    int column = 0;
+    QString text;
+
+    friend bool operator==(const ParseError&, const ParseError&) = default;
+};
+
 /// The text every report and result slot holds until it is computed.
 inline const QString NotAnalyzed = QStringLiteral("Not analyzed.");
 
@@ -86,6 +99,9 @@ public:
     /// Stores the path; when it holds a separator, derives InitDir (with the
     /// trailing separator) and Name (the file name less its last four characters).
     void SetPath(const QString& path);
+    /// The error that ended the last SetText; none when it parsed, was blank or was stopped.
+    const std::optional<ParseError>& LastParseError() const { return m_parseError; }
+
     bool InProcess() const { return m_inProcess; }
     void SetInProcess(bool value) { m_inProcess = value; }
     bool Parsed() const { return m_parsed; }
@@ -262,5 +278,6 @@ private:
     QString m_initDir;
     QString m_name;
     bool m_inProcess = false;
+    std::optional<ParseError> m_parseError;
     bool m_parsed = false;
 };

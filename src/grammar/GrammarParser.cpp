@@ -69,6 +69,7 @@ public:
     }
 
     std::vector<QString> terminals{QString()};     ///< from 1
+    std::optional<ParseError> error;               ///< the place and text of the failure
     std::vector<QString> nonterminals{QString()};  ///< from 1
 
     int AddTerminalName(const QString& name)
@@ -111,10 +112,8 @@ public:
                 name += c;
             }
         }
-        if (state != Done || i != line.size() - 1) {
-            m_host.critical(QStringLiteral("Первая строка должна содержать целевой символ."));
-            return false;
-        }
+        if (state != Done || i != line.size() - 1)
+            return Fail(QStringLiteral("Первая строка должна содержать целевой символ."), 1);
         return true;
     }
 
@@ -127,10 +126,10 @@ public:
         if (!ScanNonterminal(line, lineNo, pos, code))
             return false;
         if (pos > len)
-            return Fail(QStringLiteral("Unexpected end of line ") + Num(lineNo) + QLatin1Char('.'));
+            return Fail(QStringLiteral("Unexpected end of line ") + Num(lineNo) + QLatin1Char('.'), lineNo);
         rule.push_back(code);
         if (line[pos - 1] != QLatin1Char('='))
-            return Fail(QStringLiteral("Equal sign (=) expected in line ") + Num(lineNo) + QLatin1Char('.'));
+            return Fail(QStringLiteral("Equal sign (=) expected in line ") + Num(lineNo) + QLatin1Char('.'), lineNo);
         ++pos;
         if (pos > len) {
             // The empty right side is read as the end marker alone.
@@ -160,8 +159,9 @@ public:
     }
 
 private:
-    bool Fail(const QString& message)
+    bool Fail(const QString& message, int lineNo, qsizetype pos = 0)
     {
+        error = ParseError{lineNo, static_cast<int>(pos), message};
         m_host.critical(message);
         return false;
     }
@@ -169,7 +169,8 @@ private:
     bool QuotedCharacter(const QString& lead, QChar c, int lineNo, qsizetype pos)
     {
         return Fail(lead + QLatin1Char('"') + c + QLatin1Char('"') + QStringLiteral(" in [") + Num(lineNo)
-                    + QLatin1Char(',') + Num(pos) + QStringLiteral("]."));
+                        + QLatin1Char(',') + Num(pos) + QStringLiteral("]."),
+                    lineNo, pos);
     }
 
     bool ExtraCharacter(QChar c, int lineNo, qsizetype pos)
@@ -181,22 +182,22 @@ private:
     {
         const qsizetype len = line.size();
         if (pos > len)
-            return Fail(QStringLiteral("Unexpected end of line ") + Num(lineNo) + QLatin1Char('.'));
+            return Fail(QStringLiteral("Unexpected end of line ") + Num(lineNo) + QLatin1Char('.'), lineNo);
         if (line[pos - 1] != QLatin1Char('['))
             return QuotedCharacter(QStringLiteral("Invalid symbol "), line[pos - 1], lineNo, pos);
         qsizetype close = line.indexOf(QLatin1Char(']'), pos) + 1;  // 1-based, 0 when absent
         if (close == 0)
-            return Fail(QStringLiteral("Unclosed terminal in line ") + Num(lineNo) + QLatin1Char('.'));
+            return Fail(QStringLiteral("Unclosed terminal in line ") + Num(lineNo) + QLatin1Char('.'), lineNo);
         QString name = line.mid(pos, close - pos - 1);
         if (name.isEmpty()) {
             // "[]]" names the terminal "]": the name is taken from behind "[]" up to
             // and including the next "]".
             close = line.indexOf(QLatin1Char(']'), pos + 1) + 1;
             if (close == 0)
-                return Fail(QStringLiteral("Empty terminal in line ") + Num(lineNo) + QLatin1Char('.'));
+                return Fail(QStringLiteral("Empty terminal in line ") + Num(lineNo) + QLatin1Char('.'), lineNo);
             name = line.mid(pos + 1, close - pos - 1);
             if (name.isEmpty())
-                return Fail(QStringLiteral("Empty terminal in line ") + Num(lineNo) + QLatin1Char('.'));
+                return Fail(QStringLiteral("Empty terminal in line ") + Num(lineNo) + QLatin1Char('.'), lineNo);
         }
         code = AddTerminalName(name);
         pos = close + 1;
@@ -207,15 +208,15 @@ private:
     {
         const qsizetype len = line.size();
         if (pos > len)
-            return Fail(QStringLiteral("Unexpected end of line ") + Num(lineNo) + QLatin1Char('.'));
+            return Fail(QStringLiteral("Unexpected end of line ") + Num(lineNo) + QLatin1Char('.'), lineNo);
         if (line[pos - 1] != QLatin1Char('<'))
             return QuotedCharacter(QStringLiteral("Invalid symbol "), line[pos - 1], lineNo, pos);
         const qsizetype close = line.indexOf(QLatin1Char('>'), pos) + 1;
         if (close == 0)
-            return Fail(QStringLiteral("Unclosed nonterminal in line ") + Num(lineNo) + QLatin1Char('.'));
+            return Fail(QStringLiteral("Unclosed nonterminal in line ") + Num(lineNo) + QLatin1Char('.'), lineNo);
         const QString name = line.mid(pos, close - pos - 1);
         if (name.isEmpty())
-            return Fail(QStringLiteral("Empty nonterminal in line ") + Num(lineNo) + QLatin1Char('.'));
+            return Fail(QStringLiteral("Empty nonterminal in line ") + Num(lineNo) + QLatin1Char('.'), lineNo);
         code = AddNonterminalName(name);
         pos = close + 1;
         return true;
@@ -237,8 +238,10 @@ bool Grammar::ParseGrammarText(const QString& text)
 
     NotationReader reader(host());
     QString goalName;
-    if (!reader.ParseGoalLine(lines[0], goalName))
+    if (!reader.ParseGoalLine(lines[0], goalName)) {
+        m_parseError = reader.error;
         return false;
+    }
     reader.AddNonterminalName(goalName);
 
     std::vector<std::vector<int>> parsed;
@@ -251,8 +254,10 @@ bool Grammar::ParseGrammarText(const QString& text)
         // always starts with "<", so it never matches: on purpose, a line that
         // holds "<" is a rule line whatever stands before it.
         std::vector<int> rule;
-        if (!reader.ReadRuleLine(line.mid(lt), static_cast<int>(index) + 1, rule))
+        if (!reader.ReadRuleLine(line.mid(lt), static_cast<int>(index) + 1, rule)) {
+            m_parseError = reader.error;
             return false;
+        }
         parsed.push_back(std::move(rule));
         host().yield();
         if (!InProcess())
@@ -303,6 +308,7 @@ bool Grammar::IsBlankText(const QString& text)
 
 bool Grammar::SetText(const QString& text)
 {
+    m_parseError.reset();
     if (IsBlankText(text))
         return false;  // blank text: the grammar keeps its previous content
     // The parse gives the message loop turns and stops when InProcess is cleared,
@@ -340,7 +346,8 @@ bool Grammar::CheckDefinitions()
         defined[static_cast<std::size_t>(rules[static_cast<std::size_t>(r)][0])] = 1;
     for (int a = firstNonterminal; a <= lastCode; ++a)
         if (!defined[static_cast<std::size_t>(a)]) {
-            host().critical(QStringLiteral("Non-terminal ") + SymbolName(a) + QStringLiteral(" is not defined."));
+            m_parseError = ParseError{0, 0, QStringLiteral("Non-terminal ") + SymbolName(a) + QStringLiteral(" is not defined.")};
+            host().critical(m_parseError->text);
             return false;
         }
     return true;

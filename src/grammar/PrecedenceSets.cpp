@@ -4,9 +4,9 @@
 /// non-terminals for operator precedence, and the left and right sets of every
 /// non-terminal — the symbols that can begin and end what it derives.
 #include "grammar/Grammar.h"
+#include "grammar/Texts.h"
 
 namespace {
-const QString kEol = QStringLiteral("\r\n");
 const QString kNotSimple = QStringLiteral("This Grammar Is Not Simple Precedence One.");
 const QString kNotOperator = QStringLiteral("This Grammar Is Not Operator Precedence One.");
 } // namespace

@@ -7,7 +7,7 @@
 
 #include "grammar/Grammar.h"
 #include "model/TextSink.h"
-#include "model/Texts.h"
+#include "grammar/Texts.h"
 #include "model/Settings.h"
 
 #include <QDateTime>

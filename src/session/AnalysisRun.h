@@ -6,7 +6,7 @@
 /// save handler.
 #pragma once
 
-#include "model/Texts.h"
+#include "grammar/Texts.h"
 #include "session/Views.h"
 #include "session/Workspace.h"
 

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "storage/PINI.h"
-#include "model/Texts.h"
+#include "grammar/Texts.h"
 #include "model/Settings.h"
 
 #include <QString>

@@ -1,7 +1,7 @@
 /// \file
 /// The desktop program's message boxes.
 #include "ui/GuiHost.h"
-#include "model/Texts.h"
+#include "grammar/Texts.h"
 
 #include <QMessageBox>
 

@@ -1,7 +1,7 @@
 /// \file
 /// Start-up of the desktop program.
 #include "ui/Startup.h"
-#include "model/Texts.h"
+#include "grammar/Texts.h"
 
 #include "storage/Folders.h"
 #include "storage/PINI.h"

@@ -48,10 +48,8 @@ void TableModel::ShowView(int view)
         if (view == View::LL) {
             m_rows = m_ws.ll.synta.Rows();
             m_columns = m_ws.ll.synta.Columns();
-            for (int r = 0; r < m_rows; ++r)
-                for (int c = 0; c < m_columns; ++c)
-                    if (m_ws.ll.synta.IsConflict(r, c))
-                        m_conflicts.insert(Key(r, c));
+            for (const Conflict& conflict : LLConflicts(m_ws.ll.synta))
+                m_conflicts.insert(Key(conflict.row, conflict.column));
         } else if (const LrResults* lr = LrOf(m_ws, view)) {
             m_rows = lr->States();
             m_columns = g.lastCode + 1;
@@ -59,10 +57,10 @@ void TableModel::ShowView(int view)
                 m_conflicts.insert(Key(conflict.row, conflict.column));
         } else if (const PrecedenceResults* p = PrecedenceOf(m_ws, view)) {
             m_rows = m_columns = p->Size();
-            for (int r = 0; r < m_rows; ++r)
-                for (int c = 0; c < m_columns; ++c)
-                    if (p->Cell(r, c).size() > 1)
-                        m_conflicts.insert(Key(r, c));
+            const ConflictMethod method = view == View::SPR ? ConflictMethod::SimplePrecedence
+                                                            : ConflictMethod::OperatorPrecedence;
+            for (const Conflict& conflict : PrecedenceConflicts(p->synta, method))
+                m_conflicts.insert(Key(conflict.row, conflict.column));
         }
     }
     endResetModel();

@@ -1,7 +1,7 @@
 /// \file
 /// The About box.
 #include "ui/frmAbout.h"
-#include "model/Texts.h"
+#include "grammar/Texts.h"
 
 #include <QApplication>
 #include <QLabel>

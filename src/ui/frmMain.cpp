@@ -1,7 +1,7 @@
 /// \file
 /// The main window.
 #include "ui/frmMain.h"
-#include "model/Texts.h"
+#include "grammar/Texts.h"
 
 #include "session/Export.h"
 #include "storage/Folders.h"
@@ -34,7 +34,6 @@
 #include <QMimeData>
 #include <QPainter>
 #include <QPlainTextEdit>
-#include <QRegularExpression>
 #include <QScreen>
 #include <QSplitter>
 #include <QStatusBar>
@@ -99,11 +98,7 @@ public:
     {
         m_sinceYield.start();
     }
-    void critical(const QString& text) override
-    {
-        lastCritical = text;
-        m_messages->critical(text);
-    }
+    void critical(const QString& text) override { m_messages->critical(text); }
     void information(const QString& text) override { m_messages->information(text); }
     bool okCancel(const QString& text) override { return m_messages->okCancel(text); }
     void yield() override
@@ -125,8 +120,6 @@ public:
         }
         m_messages->status(field, text);
     }
-    QString lastCritical;
-
 private:
     frmMain& m_window;
     std::unique_ptr<GuiHost> m_own;
@@ -391,11 +384,10 @@ void frmMain::ProcessStop()
 
 bool frmMain::AnalyzeGrammar()
 {
-    m_host->lastCritical.clear();
     ProcessStart();
     const bool ready = ::AnalyzeGrammar(*m_ws, *this);
     if (!ready)
-        ShowParseErrorPlace(m_host->lastCritical);
+        ShowParseErrorPlace();
     return ready;
 }
 
@@ -403,9 +395,8 @@ void frmMain::Analyse()
 {
     if (processing)
         return;
-    m_host->lastCritical.clear();
     ::Analyse(*m_ws, *this, m_view);
-    ShowParseErrorPlace(m_host->lastCritical);
+    ShowParseErrorPlace();
     if (itemsButton->isChecked() && ViewOf(m_view).HasItems() && IsAnalysed(*m_ws, m_view))
         ShowKeptResults();  // the item sets, as the Items button asks
     Picture1->ShowView(m_view, m_ws->settings.cellWidth);
@@ -416,22 +407,13 @@ void frmMain::Stop()
     m_ws->Stop();
 }
 
-void frmMain::ShowParseErrorPlace(const QString& message)
+void frmMain::ShowParseErrorPlace()
 {
-    if (message.isEmpty())
-        return;
-    static const QRegularExpression place(QStringLiteral("\\[(\\d+),(\\d+)\\]\\.$"));
-    static const QRegularExpression line(QStringLiteral("line (\\d+)\\.$"));
-    QRegularExpressionMatch m = place.match(message);
-    if (m.hasMatch()) {
-        Text1->GoToMessagePlace(m.captured(1).toInt(), m.captured(2).toInt());
-        return;
-    }
-    m = line.match(message);
-    if (m.hasMatch())
-        Text1->GoToMessagePlace(m.captured(1).toInt(), 0);
-    else if (message.startsWith(QStringLiteral("Первая строка")))
-        Text1->GoToMessagePlace(1, 0);
+    // The place of the error the last parse stopped at; a message that names no
+    // place (an undefined non-terminal) leaves the cursor where it is.
+    const std::optional<ParseError>& error = m_ws->grammar.LastParseError();
+    if (error && error->line > 0)
+        Text1->GoToMessagePlace(error->line, error->column);
 }
 
 void frmMain::SelectView(int view)

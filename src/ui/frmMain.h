@@ -137,7 +137,7 @@ private:
     void BuildViewSelector(QWidget* bar);
     void OnGrammarEdited();
     void ShowKeptResults();
-    void ShowParseErrorPlace(const QString& message);
+    void ShowParseErrorPlace();
     void RememberRecent(const QString& path);
     void RefreshRecentMenu();
     void WriteSettingsAtClose();

@@ -62,6 +62,8 @@ TEST(Notation, ExampleGrammarIsCodedAsDocumented)
 struct BadText {
     const char* text;
     const char* message;
+    int line;    ///< where the editor puts the cursor: 0 for no place
+    int column;  ///< 0 for the line only
 };
 
 class NotationErrors : public ::testing::TestWithParam<BadText> {};
@@ -74,36 +76,39 @@ TEST_P(NotationErrors, ShowExactlyOneMessage)
     EXPECT_FALSE(p.g.GetFlag(GrammarFlag::Parsed));
     ASSERT_EQ(p.host.criticals.size(), 1);
     EXPECT_EQ(S(p.host.criticals[0]), GetParam().message);
+    // The place is kept as data beside the message, never read back from it.
+    ASSERT_TRUE(p.g.LastParseError());
+    EXPECT_EQ(*p.g.LastParseError(), (ParseError{GetParam().line, GetParam().column, p.host.criticals[0]}));
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Messages, NotationErrors,
     ::testing::Values(
-        BadText{"E\r\n<E>=[a]", "Первая строка должна содержать целевой символ."},
-        BadText{"<E>x\r\n<E>=[a]", "Первая строка должна содержать целевой символ."},
-        BadText{"<E\r\n<E>=[a]", "Первая строка должна содержать целевой символ."},
-        BadText{"<E>\r\n<E>", "Unexpected end of line 2."},
-        BadText{"<E>\r\n<E>=[a]\r\n<E>=[b]\r\nx<F>", "Unexpected end of line 4."},
-        BadText{"<E>\r\n<E=[a]", "Unclosed nonterminal in line 2."},
-        BadText{"<E>\r\n<E>=[a]<F", "Unclosed nonterminal in line 2."},
-        BadText{"<E>\r\n<>=[a]", "Empty nonterminal in line 2."},
-        BadText{"<E>\r\n<E>=<>", "Empty nonterminal in line 2."},
-        BadText{"<E>\r\n<E>=[a", "Unclosed terminal in line 2."},
-        BadText{"<E>\r\n<E>=[]", "Empty terminal in line 2."},
-        BadText{"<E>\r\n<E>=[a][]", "Empty terminal in line 2."},
-        BadText{"<E>\r\n<E>[a]", "Equal sign (=) expected in line 2."},
-        BadText{"<E>\r\n<E>:=[a]", "Equal sign (=) expected in line 2."},
+        BadText{"E\r\n<E>=[a]", "Первая строка должна содержать целевой символ.", 1, 0},
+        BadText{"<E>x\r\n<E>=[a]", "Первая строка должна содержать целевой символ.", 1, 0},
+        BadText{"<E\r\n<E>=[a]", "Первая строка должна содержать целевой символ.", 1, 0},
+        BadText{"<E>\r\n<E>", "Unexpected end of line 2.", 2, 0},
+        BadText{"<E>\r\n<E>=[a]\r\n<E>=[b]\r\nx<F>", "Unexpected end of line 4.", 4, 0},
+        BadText{"<E>\r\n<E=[a]", "Unclosed nonterminal in line 2.", 2, 0},
+        BadText{"<E>\r\n<E>=[a]<F", "Unclosed nonterminal in line 2.", 2, 0},
+        BadText{"<E>\r\n<>=[a]", "Empty nonterminal in line 2.", 2, 0},
+        BadText{"<E>\r\n<E>=<>", "Empty nonterminal in line 2.", 2, 0},
+        BadText{"<E>\r\n<E>=[a", "Unclosed terminal in line 2.", 2, 0},
+        BadText{"<E>\r\n<E>=[]", "Empty terminal in line 2.", 2, 0},
+        BadText{"<E>\r\n<E>=[a][]", "Empty terminal in line 2.", 2, 0},
+        BadText{"<E>\r\n<E>[a]", "Equal sign (=) expected in line 2.", 2, 0},
+        BadText{"<E>\r\n<E>:=[a]", "Equal sign (=) expected in line 2.", 2, 0},
         // Positions count on the cut, space-free line.
-        BadText{"<E>\r\n<E>=[a]x", "Extra character \"x\" in [2,8]."},
-        BadText{"<E>\r\n#7 <E> = [a] x", "Extra character \"x\" in [2,8]."},
-        BadText{"<E>\r\n<E>=[a]\r\n<E>=[b]\r\n<E>=<E>+[c]", "Extra character \"+\" in [4,8]."},
-        BadText{"<E>\r\n<E>=.[a]", "Extra character \"[\" in [2,6]."},
-        BadText{"<E>\r\n<E>=[a]..", "Extra character \".\" in [2,9]."},
-        BadText{"<E>\r\n<E>=[a]\t", "Extra character \"\t\" in [2,8]."},
-        BadText{"<E>\r\n<E>=<F>", "Non-terminal F is not defined."},
-        BadText{"<E>\r\n<E>=<F><G>\r\n<G>=[g]", "Non-terminal F is not defined."},
-        BadText{"<E>", "Non-terminal E is not defined."},
-        BadText{"<>", "Non-terminal  is not defined."}));
+        BadText{"<E>\r\n<E>=[a]x", "Extra character \"x\" in [2,8].", 2, 8},
+        BadText{"<E>\r\n#7 <E> = [a] x", "Extra character \"x\" in [2,8].", 2, 8},
+        BadText{"<E>\r\n<E>=[a]\r\n<E>=[b]\r\n<E>=<E>+[c]", "Extra character \"+\" in [4,8].", 4, 8},
+        BadText{"<E>\r\n<E>=.[a]", "Extra character \"[\" in [2,6].", 2, 6},
+        BadText{"<E>\r\n<E>=[a]..", "Extra character \".\" in [2,9].", 2, 9},
+        BadText{"<E>\r\n<E>=[a]\t", "Extra character \"\t\" in [2,8].", 2, 8},
+        BadText{"<E>\r\n<E>=<F>", "Non-terminal F is not defined.", 0, 0},
+        BadText{"<E>\r\n<E>=<F><G>\r\n<G>=[g]", "Non-terminal F is not defined.", 0, 0},
+        BadText{"<E>", "Non-terminal E is not defined.", 0, 0},
+        BadText{"<>", "Non-terminal  is not defined.", 0, 0}));
 
 TEST(Notation, LineNumbersCountNonBlankLinesOnly)
 {

@@ -1,6 +1,6 @@
 /// \file
 /// The elapsed-time text.
-#include "model/Texts.h"
+#include "grammar/Texts.h"
 
 QString ElapsedText(qint64 milliseconds)
 {
