@@ -63,7 +63,8 @@ int main(int argc, char** argv)
     const QString command = args.takeFirst();
     CliHost host;
     Workspace workspace(&host);
-    host.setStop([&workspace] { workspace.grammar.SetInProcess(false); });
+    // Ctrl-C is the Stop command: it ends grammar preparation, transformations and analysers alike.
+    host.setStop([&workspace] { workspace.Stop(); });
     if (int status = LoadSettings(workspace, options))
         return status;
 
