@@ -1,7 +1,8 @@
-// The grammar model: path properties, symbol printers, flags set by the parse,
+// The grammar model: path properties, flags set by the parse,
 // the left-recursion test with its deliberate quirks, and the Text round trip
 // over the corpus.
 #include "grammar/Grammar.h"
+#include "support/GrammarSamples.h"
 #include "support/RecordingHost.h"
 #include "support/TestPaths.h"
 
@@ -9,14 +10,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-QString Lines(std::initializer_list<const char*> lines)
-{
-    QStringList list;
-    for (const char* l : lines)
-        list << QString::fromUtf8(l);
-    return list.join(QStringLiteral("\r\n"));
-}
 
 /// The names of the non-terminals marked left-recursive, in code order.
 QStringList LeftRecursive(const Grammar& g)
@@ -64,35 +57,6 @@ TEST(GrammarModel, ClearEmptiesEverythingButThePath)
     EXPECT_EQ(g.CommentedFirst(), NotAnalyzed);
     EXPECT_EQ(g.followBReport, NotAnalyzed);
     EXPECT_EQ(g.Name(), QStringLiteral("expr"));
-}
-
-TEST(GrammarModel, SymbolPrinters)
-{
-    Grammar g;
-    ASSERT_TRUE(g.SetText(Lines({"<E>", "<E>=[a]"})));
-    EXPECT_EQ(g.GetSymbolS(0), QStringLiteral("$"));
-    EXPECT_EQ(g.GetSymbolT(0), QStringLiteral("EOT"));
-    EXPECT_EQ(g.GetSymbolS(-2), QStringLiteral("<'>"));
-    EXPECT_EQ(g.GetSymbolT(-2), QStringLiteral("<'>"));
-    EXPECT_EQ(g.GetSymbolS(-1), QString(QChar(0x2022)));
-    EXPECT_EQ(g.GetSymbolS(1), QStringLiteral("[a]"));
-    EXPECT_EQ(g.GetSymbolT(2), QStringLiteral("<E>"));
-    EXPECT_EQ(g.rules[0], (std::vector<int>{-2, g.terminalCount + 1}));
-}
-
-TEST(GrammarModel, FlagsAreEmptyUntilWritten)
-{
-    Grammar g;
-    for (int i = 0; i < GrammarFlag::Count; ++i)
-        EXPECT_FALSE(g.GetFlag(i));
-    g.SetFlag(7, true);
-    g.SetFlag(8, false);
-    EXPECT_TRUE(g.GetFlag(7));
-    EXPECT_EQ(g.FlagValue(8), std::optional<bool>(false));
-    EXPECT_FALSE(g.FlagValue(9).has_value());
-    g.ResetFlags();
-    EXPECT_FALSE(g.GetFlag(7));
-    EXPECT_FALSE(g.FlagValue(8).has_value());
 }
 
 TEST(GrammarModel, ParseSetsTheGrammarWideFlagsAndLengths)
@@ -192,22 +156,6 @@ TEST(GrammarModel, LongChainsTakeLinearTime)
     ASSERT_TRUE(g.SetText(text));
     EXPECT_TRUE(g.GetFlag(GrammarFlag::LeftRecursive));
     EXPECT_EQ(LeftRecursive(g).size(), n + 1);
-}
-
-TEST(GrammarModel, MakeACopyTakesNamesRulesAndCounts)
-{
-    Grammar g;
-    ASSERT_TRUE(g.SetText(Lines({"<E>", "<E>=<E>[+][a]", "<E>=[a]"})));
-    g.MakeACopy();
-    ASSERT_TRUE(g.SetText(Lines({"<Q>", "<Q>=[q]"})));
-    EXPECT_EQ(g.copyRules, (std::vector<std::vector<int>>{{-2, 3}, {3, 3, 1, 2}, {3, 2}}));
-    EXPECT_EQ(g.copySymbolNames.size(), 6u);
-    EXPECT_EQ(g.copySymbolNames[5], QStringLiteral("E"));
-    EXPECT_EQ(g.copyGoal, 3);
-    EXPECT_EQ(g.copyFirstNonterminal, 3);
-    EXPECT_EQ(g.copyTerminalCount, 2);
-    EXPECT_EQ(g.copyRuleCount, 2);
-    EXPECT_EQ(g.copyLastCode, 3);
 }
 
 TEST(GrammarModel, TextRoundTripsEveryCorpusGrammar)

@@ -1,6 +1,7 @@
 // The grammar notation: what parses to what, and every message with its line
 // and position.
 #include "grammar/Grammar.h"
+#include "support/GrammarSamples.h"
 #include "support/RecordingHost.h"
 
 #include <gtest/gtest.h>
@@ -8,14 +9,6 @@
 namespace {
 
 using Rules = std::vector<std::vector<int>>;
-
-QString Lines(std::initializer_list<const char*> lines)
-{
-    QStringList list;
-    for (const char* l : lines)
-        list << QString::fromUtf8(l);
-    return list.join(QStringLiteral("\r\n"));
-}
 
 struct Parse {
     RecordingHost host;
