@@ -22,9 +22,7 @@ struct LL {
     {
         RecordingFrontend frontend(text);
         parsed = AnalyzeGrammar(ws, frontend);
-        Ana06LL analyser(ws);
-        analyser.SetInProcess(true);
-        verdict = analyser.Analyze();
+        verdict = Analysed<Ana06LL>(ws);
     }
 };
 

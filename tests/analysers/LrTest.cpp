@@ -31,14 +31,6 @@ struct Ready {
     }
 };
 
-template <typename Analyser>
-bool Analysed(Workspace& ws)
-{
-    Analyser analyser(ws);
-    analyser.SetInProcess(true);
-    return analyser.Analyze();
-}
-
 TEST(Lr, ItemSetsCarryTheVerdictAndTheLookaheads)
 {
     // The Items button's text; the table listings are golden cases (view-slr-*, view-lr-*).
@@ -136,30 +128,12 @@ std::map<std::pair<std::vector<int>, int>, std::set<int>> MergedCanonical(Worksp
     return merged;
 }
 
-QString RandomGrammar(std::mt19937& rng)
-{
-    const char* nts[] = {"<S>", "<A>", "<B>", "<C>"};
-    const char* ts[] = {"[a]", "[b]", "[c]"};
-    QString text = QStringLiteral("<S>\r\n");
-    for (const char* nt : nts) {
-        const int rules = 1 + static_cast<int>(rng() % 3);
-        for (int k = 0; k < rules; ++k) {
-            text += QString::fromLatin1(nt) + QLatin1Char('=');
-            const int length = static_cast<int>(rng() % 4);
-            for (int i = 0; i < length; ++i)
-                text += QString::fromLatin1(rng() % 2 ? nts[rng() % 4] : ts[rng() % 3]);
-            text += QStringLiteral("\r\n");
-        }
-    }
-    return text;
-}
-
 TEST(Lr, LalrEqualsMergedCanonicalOnRandomGrammars)
 {
     std::mt19937 rng(1234);
     int compared = 0;
     for (int round = 0; round < 300; ++round) {
-        const QString text = RandomGrammar(rng);
+        const QString text = RandomGrammarText(rng);
         RecordingHost host;
         Workspace ws(&host);
         RecordingFrontend fe(text);

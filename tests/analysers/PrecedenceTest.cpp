@@ -28,12 +28,8 @@ struct Prec {
         ws.settings = settings;
         RecordingFrontend frontend(text);
         parsed = AnalyzeGrammar(ws, frontend);
-        Ana10SPR simple(ws);
-        simple.SetInProcess(true);
-        spr = simple.Analyze();
-        Ana11OPR op(ws);
-        op.SetInProcess(true);
-        opr = op.Analyze();
+        spr = Analysed<Ana10SPR>(ws);
+        opr = Analysed<Ana11OPR>(ws);
     }
     const PrecedenceState& state() const { return ws.grammar.precedence; }
     int C(const char* name) const
@@ -140,9 +136,7 @@ TEST(Precedence, ANonTerminalWithoutRulesHasEmptySets)
     g.ruleCount = 1;
     g.FindLeftAndRightSets();
     EXPECT_EQ(g.precedence.sprText, kNotSimple);
-    Ana10SPR simple(cut.ws);
-    simple.SetInProcess(true);
-    EXPECT_FALSE(simple.Analyze());
+    EXPECT_FALSE(Analysed<Ana10SPR>(cut.ws));
     EXPECT_FALSE(g.precedence.sprTableBuilt);
 }
 

@@ -42,14 +42,6 @@ Files ReadTree(const QString& root, const QStringList& skip = {})
     return files;
 }
 
-void WriteFile(const QString& path, const QByteArray& bytes)
-{
-    QDir().mkpath(path.section(QLatin1Char('/'), 0, -2));
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate)) << path.toStdString();
-    f.write(bytes);
-}
-
 /// summary times each method: the times are masked, in the text and in the JSON.
 QByteArray MaskTimes(const QByteArray& out)
 {
@@ -94,7 +86,7 @@ TEST_P(Golden, Run)
     Files inputs = ReadTree(dir, kExpectations);
     inputs.try_emplace(QStringLiteral("TRELK.ini"), QByteArray(""));
     for (const auto& [file, bytes] : inputs)
-        WriteFile(scratch + QLatin1Char('/') + file, bytes);
+        ASSERT_TRUE(WriteFileBytes(scratch + QLatin1Char('/') + file, bytes));
 
     // One command line; lines starting with "#" say what the case is for.
     QStringList args;
@@ -137,16 +129,16 @@ TEST_P(Golden, Run)
 
     const bool update = qEnvironmentVariable("TRELK_GOLDEN_UPDATE") == QStringLiteral("1");
     if (update || !QFile::exists(dir + QStringLiteral("/stdout"))) {
-        WriteFile(dir + QStringLiteral("/stdout"), out);
+        ASSERT_TRUE(WriteFileBytes(dir + QStringLiteral("/stdout"), out));
         QFile::remove(dir + QStringLiteral("/stderr"));
         if (!err.isEmpty())
-            WriteFile(dir + QStringLiteral("/stderr"), err);
+            ASSERT_TRUE(WriteFileBytes(dir + QStringLiteral("/stderr"), err));
         QFile::remove(dir + QStringLiteral("/exit"));
         if (exit != "0\n")
-            WriteFile(dir + QStringLiteral("/exit"), exit);
+            ASSERT_TRUE(WriteFileBytes(dir + QStringLiteral("/exit"), exit));
         QDir(dir + QStringLiteral("/files")).removeRecursively();
         for (const auto& [file, bytes] : written)
-            WriteFile(dir + QStringLiteral("/files/") + file, bytes);
+            ASSERT_TRUE(WriteFileBytes(dir + QStringLiteral("/files/") + file, bytes));
         if (!update)
             FAIL() << "new case: its expected output is written in " << dir.toStdString() << ", review it";
         return;

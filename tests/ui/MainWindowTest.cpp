@@ -320,11 +320,7 @@ TEST(MainWindow, SettingsAreReadAtStartAndWrittenAtClose)
 {
     const QString dir = ScratchDir(QStringLiteral("ui-settings"));
     const QString ini = dir + QStringLiteral("/TRELK.ini");
-    {
-        QFile f(ini);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write("; kept\r\n[Main]\r\nCellWidth=1\r\nTokenType=short\r\nMaxCycle=77\r\n");
-    }
+    ASSERT_TRUE(WriteFileBytes(ini, "; kept\r\n[Main]\r\nCellWidth=1\r\nTokenType=short\r\nMaxCycle=77\r\n"));
     RecordingHost host;
     StartupOptions options;
     options.settingsFile = ini;
@@ -347,11 +343,7 @@ TEST(MainWindow, SettingsAreReadAtStartAndWrittenAtClose)
 
     // The recent files come back at the next start.
     const QString grammar = dir + QStringLiteral("/g.tkg");
-    {
-        QFile f(grammar);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write("<S>\r\n<S>=[a]\r\n");
-    }
+    ASSERT_TRUE(WriteFileBytes(grammar, "<S>\r\n<S>=[a]\r\n"));
     frmMain* second = Main(options, status);
     ASSERT_NE(second, nullptr);
     ASSERT_TRUE(second->TKGOpen(grammar));
@@ -366,11 +358,7 @@ TEST(MainWindow, SettingsAreReadAtStartAndWrittenAtClose)
     delete third;
 
     // A non-numeric setting ends start-up with a message naming the key, nothing written.
-    {
-        QFile f(ini);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write("[Main]\r\nMaxCycle=lots\r\n");
-    }
+    ASSERT_TRUE(WriteFileBytes(ini, "[Main]\r\nMaxCycle=lots\r\n"));
     EXPECT_EQ(Main(options, status), nullptr);
     EXPECT_EQ(status, 1);
     ASSERT_EQ(host.criticals.size(), 1);
