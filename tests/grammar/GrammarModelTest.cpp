@@ -1,6 +1,7 @@
-// The grammar model: path properties, flags set by the parse,
-// the left-recursion test with its deliberate quirks, and the Text round trip
-// over the corpus.
+// The grammar model: path properties, the left-recursion marks with their
+// deliberate quirks, and the Text round trip over the corpus. The grammar-wide
+// flags and name widths show in the golden cases (export-*-0-grammar, the
+// precedence refusals, the widths of reports and tables).
 #include "grammar/Grammar.h"
 #include "support/GrammarSamples.h"
 #include "support/RecordingHost.h"
@@ -57,46 +58,6 @@ TEST(GrammarModel, ClearEmptiesEverythingButThePath)
     EXPECT_EQ(g.CommentedFirst(), NotAnalyzed);
     EXPECT_EQ(g.followBReport, NotAnalyzed);
     EXPECT_EQ(g.Name(), QStringLiteral("expr"));
-}
-
-TEST(GrammarModel, ParseSetsTheGrammarWideFlagsAndLengths)
-{
-    Grammar g;
-    ASSERT_TRUE(g.SetText(Lines({"<Goal>", "<Goal>=[a]<B>[ccc]", "<B>=", "<B>=[a]"})));
-    EXPECT_TRUE(g.GetFlag(GrammarFlag::Parsed));
-    EXPECT_TRUE(g.GetFlag(GrammarFlag::FirstDone));
-    EXPECT_TRUE(g.GetFlag(GrammarFlag::HasEmptyRule));
-    EXPECT_TRUE(g.GetFlag(GrammarFlag::NoEqualRightSides));
-    EXPECT_TRUE(g.GetFlag(GrammarFlag::LLPermitted));
-    EXPECT_FALSE(g.GetFlag(GrammarFlag::LeftRecursive));
-    EXPECT_EQ(g.FlagValue(GrammarFlag::LeftRecursive), std::optional<bool>(false));
-    EXPECT_EQ(g.maxTerminalName, 3);
-    EXPECT_EQ(g.maxNonterminalName, 4);
-    EXPECT_EQ(g.maxName, 4);
-    EXPECT_EQ(g.maxRuleLength, 4);  // left side included, empty rules ignored
-    EXPECT_TRUE(g.llRejection.isEmpty());
-
-    Grammar same;
-    ASSERT_TRUE(same.SetText(Lines({"<S>", "<S>=<A>", "<S>=<B>", "<A>=[x]", "<B>=[x]"})));
-    EXPECT_FALSE(same.GetFlag(GrammarFlag::NoEqualRightSides));
-    EXPECT_FALSE(same.GetFlag(GrammarFlag::HasEmptyRule));
-    EXPECT_EQ(same.maxTerminalName, 1);  // the floor
-
-    Grammar emptyOnly;
-    ASSERT_TRUE(emptyOnly.SetText(Lines({"<S>", "<S>="})));
-    EXPECT_EQ(emptyOnly.maxRuleLength, 0);
-}
-
-TEST(GrammarModel, LeftRecursionIsRecordedNotRejected)
-{
-    RecordingHost host;
-    Grammar g(&host);
-    ASSERT_TRUE(g.SetText(Lines({"<E>", "<E>=<E>[+]<T>", "<E>=<T>", "<T>=[a]"})));
-    EXPECT_TRUE(g.GetFlag(GrammarFlag::LeftRecursive));
-    EXPECT_FALSE(g.GetFlag(GrammarFlag::LLPermitted));
-    EXPECT_EQ(g.llRejection, QStringLiteral("Left Recursion Is Not Allowed.\r\nThis Grammar Is Not LL(1)."));
-    EXPECT_EQ(LeftRecursive(g), QStringList{QStringLiteral("E")});
-    EXPECT_TRUE(host.criticals.isEmpty());
 }
 
 TEST(GrammarModel, IndirectLeftRecursion)
