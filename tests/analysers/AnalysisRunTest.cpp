@@ -47,22 +47,6 @@ TEST(AnalysisRun, AnalyzeGrammarReadiesTheSetsAndStops)
     EXPECT_EQ(bad.saves, 1);
 }
 
-TEST(AnalysisRun, ViewsOneToFiveShowTheirReports)
-{
-    Workspace ws;
-    RecordingFrontend fe(kExpr);
-    Analyse(ws, fe, 2);
-    EXPECT_EQ(fe.text2, ws.grammar.CommentedFirst());
-    EXPECT_TRUE(fe.text2.startsWith(QStringLiteral("FIRST(")));
-    Analyse(ws, fe, 4);
-    EXPECT_EQ(fe.text2, ws.grammar.CommentedFollowL());
-    Analyse(ws, fe, 1);
-    EXPECT_EQ(fe.text2, ws.grammar.CommentedSymbolsDisplay());
-    Analyse(ws, fe, 0);
-    EXPECT_EQ(fe.text2, QString());
-    EXPECT_FALSE(fe.processing);
-}
-
 TEST(AnalysisRun, AnalyserViewRunsOnceAndKeepsItsResults)
 {
     RecordingHost host;

@@ -60,14 +60,6 @@ struct Ready {
     }
 };
 
-template <typename Analyser>
-bool Analysed(Workspace& ws)
-{
-    Analyser analyser(ws);
-    analyser.SetInProcess(true);
-    return analyser.Analyze();
-}
-
 TEST(LrCorpus, Lr0AndLalrAgreeWithBison)
 {
     const std::vector<Row> rows = ReadTable(CorpusDir() + QStringLiteral("/baseline.tsv"));

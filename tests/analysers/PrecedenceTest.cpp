@@ -1,17 +1,19 @@
 // The precedence step and the two precedence analysers: textbook relation
-// tables, refusals, conflicts and their resolution in the C text, settings,
-// Stop, and the generated sample parsers compiled and run.
+// tables and the sets behind them, Stop, the corpus, and the generated sample
+// parsers compiled and run. The listings, refusals and C texts (conflicts
+// written EQ, then LT, then GT; codes and widths from the settings) are golden
+// cases (view-spr-*, view-opr-*, table-spr-*, table-opr-*).
 #include "analysers/Ana10SPR.h"
 #include "analysers/Ana11OPR.h"
 #include "support/GrammarSamples.h"
 #include "support/RecordingHost.h"
+#include "support/ScopedEnv.h"
 #include "support/TestPaths.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-const QString kEol = QStringLiteral("\r\n");
 const QString kNotSimple = QStringLiteral("This Grammar Is Not Simple Precedence One.");
 const QString kNotOperator = QStringLiteral("This Grammar Is Not Operator Precedence One.");
 
@@ -26,12 +28,8 @@ struct Prec {
         ws.settings = settings;
         RecordingFrontend frontend(text);
         parsed = AnalyzeGrammar(ws, frontend);
-        Ana10SPR simple(ws);
-        simple.SetInProcess(true);
-        spr = simple.Analyze();
-        Ana11OPR op(ws);
-        op.SetInProcess(true);
-        opr = op.Analyze();
+        spr = Analysed<Ana10SPR>(ws);
+        opr = Analysed<Ana11OPR>(ws);
     }
     const PrecedenceState& state() const { return ws.grammar.precedence; }
     int C(const char* name) const
@@ -75,22 +73,22 @@ const QString kExpr = Lines({"<E>", "<E>=<E>[+]<T>", "<E>=<T>", "<T>=<T>[*]<F>",
                              "<F>=[a]"});
 // A simple precedence grammar from Gries, Compiler Construction for Digital Computers (1971).
 const QString kGries = Lines({"<Z>", "<Z>=[b]<M>[b]", "<M>=[(]<L>", "<M>=[a]", "<L>=<M>[a][)]"});
-// Its only conflict: [a] <. [b] (<B> begins with [b]) against [a] .= [b].
-const QString kLtEq = Lines({"<S>", "<S>=[a]<B>", "<S>=[a][b][c]", "<B>=[b][d]"});
 
 TEST(Precedence, ExpressionGrammarGivesTheTextbookOperatorTable)
 {
-    Prec p(kExpr);
+    Settings settings;
+    settings.cellWidth = 3;
+    Prec p(kExpr, settings);
     ASSERT_TRUE(p.parsed);
     EXPECT_TRUE(p.opr);
     // Rows and columns EOT [+] [*] [(] [)] [a], as in Aho, Sethi and Ullman.
     EXPECT_EQ(Grid(p.ws.opr.synta), QStringLiteral(".<<<.< >><<>< >>><>< .<<<=< >>>.>. >>>.>."));
     EXPECT_EQ(p.Names(p.ws.grammar.leftTermSet, "E"), QStringLiteral("[+] [*] [(] [a]"));
     EXPECT_EQ(p.Names(p.ws.grammar.rightTermSet, "E"), QStringLiteral("[+] [*] [)] [a]"));
-    EXPECT_TRUE(p.state().oprText.startsWith(QStringLiteral("SYNTA[0,1]=-2\r\nSYNTA[0,2]=-2\r\n")));
-    EXPECT_TRUE(p.state().oprText.endsWith(QStringLiteral("\r\nSYNTA[5,4]=1\r\n")));
     EXPECT_EQ(Ana11OPR(p.ws).ExportDisplay(), p.state().oprText);
-    EXPECT_TRUE(p.ws.grammar.GetFlag(GrammarFlag::AnalysedOPR));
+    // The C text raises the stored cell width itself to 4, as the settings file then keeps it.
+    Ana11OPR(p.ws).TableDisplay();
+    EXPECT_EQ(p.ws.settings.cellWidth, 4);
 
     // Not simple precedence: [+] .= <T> and [+] <. <T>, [(] .= <E> and [(] <. <E>;
     // the table is kept and flagged all the same.
@@ -98,7 +96,6 @@ TEST(Precedence, ExpressionGrammarGivesTheTextbookOperatorTable)
     EXPECT_EQ(p.ws.spr.synta.ConflictCount(), 2);
     EXPECT_EQ(p.ws.spr.synta.CellText(p.C("+"), p.C("T")), QStringLiteral("-1, -2"));
     EXPECT_EQ(p.ws.spr.synta.CellText(p.C("("), p.C("E")), QStringLiteral("-1, -2"));
-    EXPECT_TRUE(p.state().sprText.startsWith(kNotSimple + QStringLiteral("\r\nSYNTA[0,3]=-2\r\n")));
     EXPECT_TRUE(p.state().sprTableBuilt);
     EXPECT_FALSE(p.state().sprPossible);
     EXPECT_TRUE(p.ws.grammar.GetFlag(GrammarFlag::AnalysedSPR));
@@ -113,129 +110,34 @@ TEST(Precedence, GriesGrammarIsSimplePrecedenceButNotOperatorPrecedence)
               QStringLiteral(".<...... >.<<..=. ..<<..<= .>.>=... .>.>.... ........ .=.=.... .>.>...."));
     EXPECT_EQ(p.Names(p.ws.grammar.leftSet, "L"), QStringLiteral("<M> [(] [a]"));
     EXPECT_EQ(p.Names(p.ws.grammar.rightSet, "M"), QStringLiteral("<L> [a] [)]"));
-    EXPECT_EQ(p.state().sprText.count(kEol), 18);  // a line per relation, no failure line
     // The scan back over <M>=[(]<L> makes [(] the last terminal of <M>, and <M>[a]
     // is a pair: [(] .> [a] against [(] <. [a] from [(]<L>.
     EXPECT_FALSE(p.opr);
     EXPECT_EQ(p.ws.opr.synta.CellText(p.C("("), p.C("a")), QStringLiteral("-2, 1"));
-    EXPECT_TRUE(p.state().oprText.startsWith(kNotOperator + kEol));
 }
 
-TEST(Precedence, AdjacentNonTerminalsAreANoteOnlyAndGiveGreaterToTheWholeLeftSet)
+TEST(Precedence, AdjacentNonTerminalsAreANoteOfThePrecedenceStepOnly)
 {
-    const QString text = Lines({"<S>", "<S>=[a]<B><C>[d]", "<B>=[b]", "<C>=<D>[c]", "<D>=[e]"});
+    // The tables the run then builds are golden cases (view-spr-adjacent, view-opr-adjacent).
     Workspace ws;
-    RecordingFrontend fe(text);
+    RecordingFrontend fe(Lines({"<S>", "<S>=[a]<B><C>[d]", "<B>=[b]", "<C>=<D>[c]", "<D>=[e]"}));
     ASSERT_TRUE(AnalyzeGrammar(ws, fe));
     EXPECT_EQ(ws.grammar.precedence.oprText, kNotOperator + QStringLiteral("\r\nAdjacent Non-Terminals Are Not Allowed."));
     EXPECT_TRUE(ws.grammar.precedence.oprPossible);
-
-    Prec p(text);
-    EXPECT_TRUE(p.opr);  // the run replaces the note
-    const PrecedenceMatrix& op = p.ws.opr.synta;
-    EXPECT_EQ(op.CellText(p.C("a"), p.C("d")), QStringLiteral("-1"));  // .= across <B><C>
-    EXPECT_EQ(op.CellText(p.C("b"), p.C("e")), QStringLiteral("1"));
-    EXPECT_EQ(op.CellText(p.C("b"), p.C("c")), QStringLiteral("1"));
-    // <B><C>: .> from [b] to every member of the left set of <C>, <D> as well as [e].
-    EXPECT_TRUE(p.spr);
-    const PrecedenceMatrix& sp = p.ws.spr.synta;
-    EXPECT_EQ(sp.CellText(p.C("B"), p.C("C")), QStringLiteral("-1"));
-    EXPECT_EQ(sp.CellText(p.C("B"), p.C("D")), QStringLiteral("-2"));
-    EXPECT_EQ(sp.CellText(p.C("b"), p.C("D")), QStringLiteral("1"));
-    EXPECT_EQ(sp.CellText(p.C("b"), p.C("e")), QStringLiteral("1"));
 }
 
-TEST(Precedence, RefusalsGiveOneReasonAndNoTable)
+TEST(Precedence, ANonTerminalWithoutRulesHasEmptySets)
 {
-    const QString empty = QStringLiteral("Empty Rules Are Not Allowed.");
-    const QString equal = QStringLiteral("Rules with Equal Right Parts Are Not Allowed.");
-    const std::pair<QString, QString> cases[] = {
-        {Lines({"<S>", "<S>=[a]<A>", "<A>=", "<A>=[b]"}), empty},
-        {Lines({"<S>", "<S>=[a]<A>", "<S>=[b]", "<A>=[b]", "<A>="}), empty},  // both: the empty rule is named
-        {Lines({"<S>", "<S>=[a]<A>", "<S>=[b]", "<A>=[b]"}), equal},
-    };
-    for (const auto& [text, reason] : cases) {
-        Prec p(text);
-        EXPECT_FALSE(p.spr || p.opr);
-        EXPECT_EQ(p.state().sprText, kNotSimple + kEol + reason);
-        EXPECT_EQ(p.state().oprText, kNotOperator + kEol + reason);
-        EXPECT_FALSE(p.ws.grammar.GetFlag(GrammarFlag::AnalysedSPR) || p.ws.grammar.GetFlag(GrammarFlag::AnalysedOPR));
-        EXPECT_EQ(Ana10SPR(p.ws).TableDisplay() + Ana11OPR(p.ws).TableDisplay(), QString());
-    }
-
-    // <A> and <B> derive only each other: no terminal begins them.
-    Prec cycle(Lines({"<S>", "<S>=[a]<A>", "<S>=[s]", "<A>=<B>", "<B>=<A>"}));
-    EXPECT_EQ(cycle.state().oprText, kNotOperator);
-    EXPECT_FALSE(cycle.ws.grammar.GetFlag(GrammarFlag::AnalysedOPR));
-    EXPECT_TRUE(cycle.ws.grammar.GetFlag(GrammarFlag::AnalysedSPR));
-
-    // A non-terminal without rules (a grammar assembled by hand) has empty sets.
+    // The refusals of parsed grammars are golden cases (view-spr-*, view-opr-*, table-opr-refused);
+    // a grammar assembled by hand can also hold a non-terminal without rules.
     Prec cut(Lines({"<S>", "<S>=[a]<A>", "<A>=[b]"}));
     Grammar& g = cut.ws.grammar;
     g.rules.pop_back();
     g.ruleCount = 1;
     g.FindLeftAndRightSets();
     EXPECT_EQ(g.precedence.sprText, kNotSimple);
-    Ana10SPR simple(cut.ws);
-    simple.SetInProcess(true);
-    EXPECT_FALSE(simple.Analyze());
+    EXPECT_FALSE(Analysed<Ana10SPR>(cut.ws));
     EXPECT_FALSE(g.precedence.sprTableBuilt);
-}
-
-TEST(Precedence, ConflictsAreWrittenEqThenLtThenGtAndCodesComeFromTheSettings)
-{
-    Prec p(kLtEq);
-    EXPECT_FALSE(p.spr);
-    EXPECT_EQ(p.state().sprText, kNotSimple + Lines({"", "SYNTA[0,1]=-2", "SYNTA[1,2]=-2, -1", "SYNTA[1,6]=-1",
-                                                     "SYNTA[2,3]=-1", "SYNTA[2,4]=-1", "SYNTA[3,0]=1",
-                                                     "SYNTA[4,0]=1", "SYNTA[6,0]=1", ""}));
-    QString c = Ana10SPR(p.ws).TableDisplay();
-    EXPECT_TRUE(c.contains(QStringLiteral("/*[a]  */{    0,    0,   EQ,    0,    0,    0,   EQ},\r\n")));
-    // <. against .> goes to LT.
-    Prec gries(kGries);
-    EXPECT_TRUE(Ana11OPR(gries.ws).TableDisplay().contains(QStringLiteral("/*[(]  */{    0,   GT,   LT,   LT,    0},")));
-
-    Settings settings;
-    settings.pSignLT = 5;
-    settings.pSignGT = 9;
-    Prec coded(kLtEq, settings);
-    EXPECT_TRUE(coded.state().sprText.contains(QStringLiteral("\r\nSYNTA[1,2]=5, -1\r\nSYNTA[1,6]=-1\r\n")));
-    EXPECT_TRUE(coded.state().sprText.endsWith(QStringLiteral("\r\nSYNTA[6,0]=9\r\n")));
-    c = Ana10SPR(coded.ws).TableDisplay();
-    EXPECT_TRUE(c.contains(QStringLiteral("#define LT 5  // <.\r\n#define EQ -1  // .=\r\n#define GT 9   // .>\r\n\r\n")));
-    // Cells hold codes: with <. and .= coded alike the conflict is gone.
-    settings.pSignEQ = 5;
-    Prec same(kLtEq, settings);
-    EXPECT_TRUE(same.spr);
-    EXPECT_EQ(same.ws.spr.synta.CellText(1, 2), QStringLiteral("5"));
-}
-
-TEST(Precedence, TheCTextOfARelationTable)
-{
-    qputenv("SOURCE_DATE_EPOCH", "1700000000");
-    Settings settings;
-    settings.cellWidth = 2;
-    Prec p(kExpr, settings);
-    EXPECT_EQ(Ana11OPR(p.ws).TableDisplay(),
-              Lines({"/* Generated by 2016 KAVEN TRELK */", "/* 14-11-2023 22:13:20 */", "", "/* Rule Length */",
-                     "int RLEN[] = {0,3,1,3,1,3,1};", "", "/* Rule Symbol */",
-                     "sttype RSYM[] = {TOK_EOT,SYM_E,SYM_E,SYM_T,SYM_T,SYM_F,SYM_F};", "",
-                     "/* Precedence Relation Constants */", "#define LT -2  // <.", "#define EQ -1  // .=",
-                     "#define GT 1   // .>", "", "/* Start Symbol */", "#define START SYM_E",
-                     "/* Syntax Table SYNTA (operator precedence) */", "stack_t SYNTA [6][6] = {",
-                     "/*        EOT  [+]  [*]  [(]  [)]  [a] */", "/*EOT */{   0,  LT,  LT,  LT,   0,  LT},",
-                     "/*[+] */{  GT,  GT,  LT,  LT,  GT,  LT},", "/*[*] */{  GT,  GT,  GT,  LT,  GT,  LT},",
-                     "/*[(] */{   0,  LT,  LT,  LT,  EQ,  LT},", "/*[)] */{  GT,  GT,  GT,   0,  GT,   0},",
-                     "/*[a] */{  GT,  GT,  GT,   0,  GT,   0}", "};", ""}));
-    EXPECT_EQ(p.ws.settings.cellWidth, 4);  // the stored setting itself was raised
-
-    Prec named(Lines({"<Expression>", "<Expression>=[number]"}));
-    const QString c = Ana10SPR(named.ws).TableDisplay();
-    EXPECT_TRUE(c.contains(QStringLiteral("#define START SYM_EXPRESSION\r\n/* Syntax Table SYNTA (simple precedence) */\r\n"
-                                          "stack_t SYNTA [3][3] = {\r\n/*          EOT [numb <Expr */\r\n"
-                                          "/*EOT  */{    0,   LT,    0},\r\n")));
-    EXPECT_FALSE(c.contains(QStringLiteral("spr_recognize")));
-    qunsetenv("SOURCE_DATE_EPOCH");
 }
 
 TEST(Precedence, AStopLeavesTheSetsUndoneAndTheViewComputesThem)
@@ -349,7 +251,7 @@ bool Simulate(const Workspace& ws, std::vector<int> tokens, bool simple)
 
 TEST(Precedence, GeneratedParsersAgreeWithTheSimulation)
 {
-    qputenv("SOURCE_DATE_EPOCH", "1700000000");
+    ScopedEnv epoch("SOURCE_DATE_EPOCH", "1700000000");
     const struct {
         const char* name;
         QString text;
@@ -395,7 +297,6 @@ TEST(Precedence, GeneratedParsersAgreeWithTheSimulation)
         }
         EXPECT_LT(accepted, static_cast<int>(all.size()) - 50);  // most mutations are refused
     }
-    qunsetenv("SOURCE_DATE_EPOCH");
 }
 
 } // namespace

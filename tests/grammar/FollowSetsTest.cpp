@@ -1,31 +1,15 @@
-// The follow sets on small grammars whose sets can be worked out by hand: the
-// flag preconditions, the deliberate differences between FOLLOWL and FOLLOWR,
-// the order of the lists, and Stop at every yield of each computation.
+// The follow sets: the flag preconditions, a computation done once, and Stop at
+// every yield of each computation. The sets of small grammars worked out by
+// hand, with the deliberate differences between FOLLOWL and FOLLOWR, are golden
+// cases (sets-*); SetsReferenceTest checks them against slow references.
 #include "grammar/Grammar.h"
+#include "support/GrammarSamples.h"
 #include "support/RecordingHost.h"
 #include "support/TestPaths.h"
 
 #include <gtest/gtest.h>
 
 namespace {
-
-QString Lines(std::initializer_list<const char*> lines)
-{
-    QStringList list;
-    for (const char* l : lines)
-        list << QString::fromUtf8(l);
-    return list.join(QStringLiteral("\r\n"));
-}
-
-/// The code of a symbol printed as by GetSymbolS ("[a]", "<A>", "$").
-int Code(const Grammar& g, const QString& printed)
-{
-    for (int c = 0; c <= g.lastCode; ++c)
-        if (g.GetSymbolS(c) == printed)
-            return c;
-    ADD_FAILURE() << "no symbol " << printed.toStdString();
-    return 0;
-}
 
 /// The members of a list, printed, in list order.
 QStringList Printed(const Grammar& g, const CodeList& list)
@@ -36,81 +20,11 @@ QStringList Printed(const Grammar& g, const CodeList& list)
     return out;
 }
 
-QStringList Set(const Grammar& g, const std::vector<CodeList>& sets, const char* symbol)
-{
-    return Printed(g, sets[static_cast<std::size_t>(Code(g, QString::fromUtf8(symbol)))]);
-}
-
-QStringList L(std::initializer_list<const char*> items)
-{
-    QStringList out;
-    for (const char* i : items)
-        out << QString::fromUtf8(i);
-    return out;
-}
-
 void FindAll(Grammar& g)
 {
     g.FindFollowB();
     g.FindFollowL();
     g.FindFollowR();
-}
-
-TEST(FollowSets, AGoalThatDerivesOnlyTheEmptyString)
-{
-    Grammar g;
-    ASSERT_TRUE(g.SetText(Lines({"<S>", "<S>="})));
-    FindAll(g);
-    const int s = Code(g, QStringLiteral("<S>"));
-    EXPECT_TRUE(g.first[static_cast<std::size_t>(s)].IsEmpty());
-    EXPECT_TRUE(g.nullable[static_cast<std::size_t>(s)]);
-    EXPECT_EQ(Printed(g, g.firstOfRule[1]), L({"$"}));
-    EXPECT_EQ(Set(g, g.followB, "<S>"), L({"$"}));
-    EXPECT_EQ(Set(g, g.followL, "<S>"), L({"$"}));
-    EXPECT_EQ(Set(g, g.followR, "<S>"), L({"$"}));
-}
-
-TEST(FollowSets, NullableRightSidesAndTheEndMarkerInARule)
-{
-    // Rule 1 is all nullable non-terminals: its FIRST ends with 0. Rule 2 ends
-    // in ".", which follows <B> and stands in FIRST of the rule as the end marker.
-    Grammar g;
-    ASSERT_TRUE(g.SetText(Lines({"<S>", "<S>=<A><B>", "<S>=[x]<B>.", "<A>=[a]", "<A>=", "<B>=[b]", "<B>="})));
-    FindAll(g);
-    EXPECT_EQ(Printed(g, g.firstOfRule[1]), L({"[a]", "[b]", "$"}));
-    EXPECT_EQ(Printed(g, g.firstOfRule[2]), L({"[x]"}));
-    EXPECT_EQ(Set(g, g.followB, "<A>"), L({"$", "<B>"}));
-    EXPECT_EQ(Set(g, g.followB, "<B>"), L({"$"}));
-    EXPECT_EQ(Set(g, g.followL, "<A>"), L({"$", "[b]"}));
-}
-
-TEST(FollowSets, FollowLAndFollowRDifferOnPurpose)
-{
-    // <A> is nullable and follows itself; <C> is not nullable.
-    Grammar g;
-    ASSERT_TRUE(g.SetText(Lines({"<S>", "<S>=<A><A>[b]<C><D>", "<A>=[a]", "<A>=", "<C>=[c]", "<D>=[d]"})));
-    FindAll(g);
-    // FOLLOWB is sorted: the end marker, terminals, then non-terminals by code.
-    EXPECT_EQ(Set(g, g.followB, "<A>"), L({"[b]", "<A>"}));
-    EXPECT_EQ(Set(g, g.followB, "<C>"), L({"<D>"}));
-    // FOLLOWL skips X == A: FIRST(<A>) stays out of FOLLOWL(<A>).
-    EXPECT_EQ(Set(g, g.followL, "<A>"), L({"[b]"}));
-    EXPECT_EQ(Set(g, g.followR, "<A>"), L({"[b]", "[a]"}));
-    // FOLLOWL of a non-nullable symbol is FOLLOWB without its non-terminals.
-    EXPECT_TRUE(Set(g, g.followL, "<C>").isEmpty());
-    EXPECT_EQ(Set(g, g.followR, "<C>"), L({"[d]"}));
-}
-
-TEST(FollowSets, ANullableFollowerBringsAllOfItsOwnFollowers)
-{
-    // On purpose FOLLOWB(<A>) takes in all of FOLLOWB(<X>), also the [d] that
-    // follows <X> only after [c]: FOLLOWR(<A>) holds [d], which the textbook
-    // FOLLOW(<A>) = {[b]} does not.
-    Grammar g;
-    ASSERT_TRUE(g.SetText(Lines({"<S>", "<S>=<A><X>[b]", "<S>=[c]<X>[d]", "<X>=", "<A>=[a]"})));
-    FindAll(g);
-    EXPECT_EQ(Set(g, g.followB, "<A>"), L({"[b]", "[d]", "<X>"}));
-    EXPECT_EQ(Set(g, g.followR, "<A>"), L({"[b]", "[d]"}));
 }
 
 TEST(FollowSets, PreconditionsAndComputedOnce)

@@ -1,7 +1,9 @@
-// The grammar model: path properties, symbol printers, flags set by the parse,
-// the left-recursion test with its deliberate quirks, and the Text round trip
-// over the corpus.
+// The grammar model: path properties, the left-recursion marks with their
+// deliberate quirks, and the Text round trip over the corpus. The grammar-wide
+// flags and name widths show in the golden cases (export-*-0-grammar, the
+// precedence refusals, the widths of reports and tables).
 #include "grammar/Grammar.h"
+#include "support/GrammarSamples.h"
 #include "support/RecordingHost.h"
 #include "support/TestPaths.h"
 
@@ -9,14 +11,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-QString Lines(std::initializer_list<const char*> lines)
-{
-    QStringList list;
-    for (const char* l : lines)
-        list << QString::fromUtf8(l);
-    return list.join(QStringLiteral("\r\n"));
-}
 
 /// The names of the non-terminals marked left-recursive, in code order.
 QStringList LeftRecursive(const Grammar& g)
@@ -64,75 +58,6 @@ TEST(GrammarModel, ClearEmptiesEverythingButThePath)
     EXPECT_EQ(g.CommentedFirst(), NotAnalyzed);
     EXPECT_EQ(g.followBReport, NotAnalyzed);
     EXPECT_EQ(g.Name(), QStringLiteral("expr"));
-}
-
-TEST(GrammarModel, SymbolPrinters)
-{
-    Grammar g;
-    ASSERT_TRUE(g.SetText(Lines({"<E>", "<E>=[a]"})));
-    EXPECT_EQ(g.GetSymbolS(0), QStringLiteral("$"));
-    EXPECT_EQ(g.GetSymbolT(0), QStringLiteral("EOT"));
-    EXPECT_EQ(g.GetSymbolS(-2), QStringLiteral("<'>"));
-    EXPECT_EQ(g.GetSymbolT(-2), QStringLiteral("<'>"));
-    EXPECT_EQ(g.GetSymbolS(-1), QString(QChar(0x2022)));
-    EXPECT_EQ(g.GetSymbolS(1), QStringLiteral("[a]"));
-    EXPECT_EQ(g.GetSymbolT(2), QStringLiteral("<E>"));
-    EXPECT_EQ(g.rules[0], (std::vector<int>{-2, g.terminalCount + 1}));
-}
-
-TEST(GrammarModel, FlagsAreEmptyUntilWritten)
-{
-    Grammar g;
-    for (int i = 0; i < GrammarFlag::Count; ++i)
-        EXPECT_FALSE(g.GetFlag(i));
-    g.SetFlag(7, true);
-    g.SetFlag(8, false);
-    EXPECT_TRUE(g.GetFlag(7));
-    EXPECT_EQ(g.FlagValue(8), std::optional<bool>(false));
-    EXPECT_FALSE(g.FlagValue(9).has_value());
-    g.ResetFlags();
-    EXPECT_FALSE(g.GetFlag(7));
-    EXPECT_FALSE(g.FlagValue(8).has_value());
-}
-
-TEST(GrammarModel, ParseSetsTheGrammarWideFlagsAndLengths)
-{
-    Grammar g;
-    ASSERT_TRUE(g.SetText(Lines({"<Goal>", "<Goal>=[a]<B>[ccc]", "<B>=", "<B>=[a]"})));
-    EXPECT_TRUE(g.GetFlag(GrammarFlag::Parsed));
-    EXPECT_TRUE(g.GetFlag(GrammarFlag::FirstDone));
-    EXPECT_TRUE(g.GetFlag(GrammarFlag::HasEmptyRule));
-    EXPECT_TRUE(g.GetFlag(GrammarFlag::NoEqualRightSides));
-    EXPECT_TRUE(g.GetFlag(GrammarFlag::LLPermitted));
-    EXPECT_FALSE(g.GetFlag(GrammarFlag::LeftRecursive));
-    EXPECT_EQ(g.FlagValue(GrammarFlag::LeftRecursive), std::optional<bool>(false));
-    EXPECT_EQ(g.maxTerminalName, 3);
-    EXPECT_EQ(g.maxNonterminalName, 4);
-    EXPECT_EQ(g.maxName, 4);
-    EXPECT_EQ(g.maxRuleLength, 4);  // left side included, empty rules ignored
-    EXPECT_TRUE(g.llRejection.isEmpty());
-
-    Grammar same;
-    ASSERT_TRUE(same.SetText(Lines({"<S>", "<S>=<A>", "<S>=<B>", "<A>=[x]", "<B>=[x]"})));
-    EXPECT_FALSE(same.GetFlag(GrammarFlag::NoEqualRightSides));
-    EXPECT_FALSE(same.GetFlag(GrammarFlag::HasEmptyRule));
-    EXPECT_EQ(same.maxTerminalName, 1);  // the floor
-
-    Grammar emptyOnly;
-    ASSERT_TRUE(emptyOnly.SetText(Lines({"<S>", "<S>="})));
-    EXPECT_EQ(emptyOnly.maxRuleLength, 0);
-}
-
-TEST(GrammarModel, LeftRecursionIsRecordedNotRejected)
-{
-    RecordingHost host;
-    Grammar g(&host);
-    ASSERT_TRUE(g.SetText(Lines({"<E>", "<E>=<E>[+]<T>", "<E>=<T>", "<T>=[a]"})));
-    EXPECT_TRUE(g.GetFlag(GrammarFlag::LeftRecursive));
-    EXPECT_FALSE(g.GetFlag(GrammarFlag::LLPermitted));
-    EXPECT_EQ(g.llRejection, QStringLiteral("Left Recursion Is Not Allowed.\r\nThis Grammar Is Not LL(1)."));
-    EXPECT_EQ(LeftRecursive(g), QStringList{QStringLiteral("E")});
-    EXPECT_TRUE(host.criticals.isEmpty());
 }
 
 TEST(GrammarModel, IndirectLeftRecursion)
@@ -192,22 +117,6 @@ TEST(GrammarModel, LongChainsTakeLinearTime)
     ASSERT_TRUE(g.SetText(text));
     EXPECT_TRUE(g.GetFlag(GrammarFlag::LeftRecursive));
     EXPECT_EQ(LeftRecursive(g).size(), n + 1);
-}
-
-TEST(GrammarModel, MakeACopyTakesNamesRulesAndCounts)
-{
-    Grammar g;
-    ASSERT_TRUE(g.SetText(Lines({"<E>", "<E>=<E>[+][a]", "<E>=[a]"})));
-    g.MakeACopy();
-    ASSERT_TRUE(g.SetText(Lines({"<Q>", "<Q>=[q]"})));
-    EXPECT_EQ(g.copyRules, (std::vector<std::vector<int>>{{-2, 3}, {3, 3, 1, 2}, {3, 2}}));
-    EXPECT_EQ(g.copySymbolNames.size(), 6u);
-    EXPECT_EQ(g.copySymbolNames[5], QStringLiteral("E"));
-    EXPECT_EQ(g.copyGoal, 3);
-    EXPECT_EQ(g.copyFirstNonterminal, 3);
-    EXPECT_EQ(g.copyTerminalCount, 2);
-    EXPECT_EQ(g.copyRuleCount, 2);
-    EXPECT_EQ(g.copyLastCode, 3);
 }
 
 TEST(GrammarModel, TextRoundTripsEveryCorpusGrammar)

@@ -1,6 +1,9 @@
-// The grammar notation: what parses to what, and every message with its line
-// and position.
+// The grammar notation: the coding of the documented example, and what a blank,
+// failed or stopped parse leaves. Every message with its line and position, and
+// what the notation's corner cases parse to, are golden cases (check-error-*,
+// notation-*).
 #include "grammar/Grammar.h"
+#include "support/GrammarSamples.h"
 #include "support/RecordingHost.h"
 
 #include <gtest/gtest.h>
@@ -8,14 +11,6 @@
 namespace {
 
 using Rules = std::vector<std::vector<int>>;
-
-QString Lines(std::initializer_list<const char*> lines)
-{
-    QStringList list;
-    for (const char* l : lines)
-        list << QString::fromUtf8(l);
-    return list.join(QStringLiteral("\r\n"));
-}
 
 struct Parse {
     RecordingHost host;
@@ -109,100 +104,6 @@ INSTANTIATE_TEST_SUITE_P(
         BadText{"<E>\r\n<E>=<F><G>\r\n<G>=[g]", "Non-terminal F is not defined.", 0, 0},
         BadText{"<E>", "Non-terminal E is not defined.", 0, 0},
         BadText{"<>", "Non-terminal  is not defined.", 0, 0}));
-
-TEST(Notation, LineNumbersCountNonBlankLinesOnly)
-{
-    // Blank lines (also lines of spaces) do not count; comment lines do.
-    EXPECT_EQ(S(Parse(QStringLiteral("<E>\r\n\r\n    \r\n<E>=[a]x")).Message()), "Extra character \"x\" in [2,8].");
-    EXPECT_EQ(S(Parse(QStringLiteral("\r\n  <E>\r\nsome comment\r\n<E>=[a]x")).Message()),
-              "Extra character \"x\" in [3,8].");
-}
-
-TEST(Notation, GoalLineForms)
-{
-    for (const char* goal : {"Goal:<E>", "#0 <E>", "<<E>", "  < E >  "}) {
-        Parse p(QString::fromUtf8(goal) + QStringLiteral("\r\n<E>=[a]"));
-        ASSERT_TRUE(p.ok) << goal << ": " << S(p.Message());
-        EXPECT_EQ(p.g.SymbolName(p.g.goal), QStringLiteral("E")) << goal;
-    }
-}
-
-TEST(Notation, TextBeforeTheFirstAngleIsCut)
-{
-    // "-- " is no comment mark on a line that holds "<": the text before "<" is cut first.
-    for (const char* line : {"x<A>=[a]", "-- <A>=[a]", "' <A>=[a]", "#3 <A>=[a]"}) {
-        Parse p(QStringLiteral("<A>\r\n") + QString::fromUtf8(line));
-        ASSERT_TRUE(p.ok) << line << ": " << S(p.Message());
-        EXPECT_EQ(p.UserRules(), (Rules{{2, 1}})) << line;
-    }
-    Parse comments(Lines({"<A>", "-- a comment", "' another", "<A>=[a]"}));
-    ASSERT_TRUE(comments.ok);
-    EXPECT_EQ(comments.g.ruleCount, 1);
-}
-
-TEST(Notation, SpacesAreNotSignificantAnywhere)
-{
-    Parse spaced(QStringLiteral("<E>\r\n< E >= [ a b ] < E >"));
-    Parse tight(QStringLiteral("<E>\r\n<E>=[ab]<E>"));
-    ASSERT_TRUE(spaced.ok && tight.ok);
-    EXPECT_EQ(spaced.g.rules, tight.g.rules);
-    EXPECT_EQ(spaced.g.SymbolName(1), QStringLiteral("ab"));
-}
-
-TEST(Notation, BracketNamesAndTheClosingBracketTerminal)
-{
-    Parse p(Lines({"<S>", "<S>=[]][x]<a[b>", "<a[b>=[<>.=[]"}));
-    ASSERT_TRUE(p.ok) << S(p.Message());
-    EXPECT_EQ(p.g.SymbolName(1), QStringLiteral("]"));
-    EXPECT_EQ(p.g.SymbolName(2), QStringLiteral("x"));
-    // A terminal may hold "<", ">", "[", "=", "."; a non-terminal "[" and "<".
-    EXPECT_EQ(p.g.SymbolName(3), QStringLiteral("<>.=["));
-    EXPECT_EQ(p.g.SymbolName(4), QStringLiteral("S"));
-    EXPECT_EQ(p.g.SymbolName(5), QStringLiteral("a[b"));
-    // After "[]" the name runs to the next "]" and includes it.
-    Parse p3(Lines({"<S>", "<S>=[]ab]"}));
-    ASSERT_TRUE(p3.ok);
-    EXPECT_EQ(p3.g.SymbolName(1), QStringLiteral("ab]"));
-    // Terminals and non-terminals of the same name are different symbols.
-    Parse p4(Lines({"<a>", "<a>=[a]"}));
-    ASSERT_TRUE(p4.ok);
-    EXPECT_EQ(p4.g.rules[1], (std::vector<int>{2, 1}));
-}
-
-TEST(Notation, EmptyRulesAndTheEndMarker)
-{
-    Parse bare(Lines({"<S>", "<S>=[a]<A>", "<A>="}));
-    Parse dot(Lines({"<S>", "<S>=[a]<A>", "<A>=."}));
-    ASSERT_TRUE(bare.ok && dot.ok);
-    EXPECT_EQ(bare.g.rules, dot.g.rules);
-    EXPECT_EQ(bare.g.rules[2], (std::vector<int>{3, 0}));
-    EXPECT_TRUE(bare.g.ruleIsEmpty[2]);
-    EXPECT_TRUE(bare.g.hasEmptyRule[3]);
-    EXPECT_TRUE(bare.g.GetFlag(GrammarFlag::HasEmptyRule));
-
-    Parse both(Lines({"<S>", "<S>=[a]<A>", "<A>=", "<A>=."}));
-    ASSERT_TRUE(both.ok);
-    EXPECT_EQ(both.g.ruleCount, 2);
-
-    Parse ending(Lines({"<S>", "<S>=<B>.", "<B>=[b]"}));
-    ASSERT_TRUE(ending.ok);
-    EXPECT_EQ(ending.g.rules[1], (std::vector<int>{2, 3, 0}));
-    EXPECT_FALSE(ending.g.ruleIsEmpty[1]);
-    EXPECT_FALSE(ending.g.GetFlag(GrammarFlag::HasEmptyRule));
-    EXPECT_EQ(ending.g.Text(), Lines({"#0 <S>", "#1 <S>=<B>.", "#2 <B>=[b]"}));
-}
-
-TEST(Notation, DroppedRulesCloseUpTheNumbers)
-{
-    Parse p(Lines({"<S>", "<S>=<S>", "<S>=[a]", "<S>=[a]", "<S>=<S>[a]", "<S>=[a]"}));
-    ASSERT_TRUE(p.ok);
-    EXPECT_EQ(p.g.ruleCount, 2);
-    EXPECT_EQ(p.g.Text(), Lines({"#0 <S>", "#1 <S>=[a]", "#2 <S>=<S>[a]"}));
-    // "<A>=<A>." is not "<A>=<A>": it stays.
-    Parse q(Lines({"<S>", "<S>=[a]", "<S>=<S>."}));
-    ASSERT_TRUE(q.ok);
-    EXPECT_EQ(q.g.ruleCount, 2);
-}
 
 TEST(Notation, BlankTextKeepsThePreviousGrammar)
 {

@@ -37,17 +37,8 @@ Companion AnalysedCalc(const QString& folder)
     for (int view : {View::SLR, View::LALR, View::LR})
         static_cast<LrAnalyser&>(*MakeAnalyser(ws, view)).ItemDisplay();
     EXPECT_TRUE(GrammarSaveAs(ws, c.grammarFile, c.text));
-    QFile file(c.companion);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-    c.bytes = file.readAll();
+    c.bytes = FileBytes(c.companion);
     return c;
-}
-
-void Write(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
 }
 
 bool StateIsClean(const Workspace& ws)
@@ -94,7 +85,7 @@ TEST(CompiledGrammarFuzz, CutAtEveryOffsetGivesOneReportAndACleanAnalysis)
     ASSERT_GT(calc.bytes.size(), 1000);
     const QString report = QStringLiteral("Error encountered: 62\r\nInput past end of file\r\nSource: TKCRead\r\n");
     // From the longest cut down: each is the file cut short by one more byte.
-    Write(calc.companion, calc.bytes);
+    ASSERT_TRUE(WriteFileBytes(calc.companion, calc.bytes));
     for (qsizetype size = calc.bytes.size() - 1; size >= 0; --size) {
         ASSERT_TRUE(QFile::resize(calc.companion, size));
         RecordingHost host;
@@ -105,7 +96,7 @@ TEST(CompiledGrammarFuzz, CutAtEveryOffsetGivesOneReportAndACleanAnalysis)
         ASSERT_TRUE(StateIsClean(ws)) << "cut at " << size;
     }
     // Whole, it opens analysed.
-    Write(calc.companion, calc.bytes);
+    ASSERT_TRUE(WriteFileBytes(calc.companion, calc.bytes));
     RecordingHost host;
     Workspace ws(&host);
     QString text, error;
@@ -128,7 +119,7 @@ TEST(CompiledGrammarFuzz, ChangedBytesGiveACleanLoadOrOneReport)
         // Mostly single bytes; now and then a byte set to 0xFF, as in a count's high byte.
         for (int n = howMany(rng); n > 0; --n)
             bytes[offset(rng)] = static_cast<char>(variant % 5 == 0 ? 0xFF : byte(rng));
-        Write(calc.companion, bytes);
+        ASSERT_TRUE(WriteFileBytes(calc.companion, bytes));
         RecordingHost host;
         Workspace ws(&host);
         QString text, error;

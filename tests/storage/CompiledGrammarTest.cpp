@@ -49,13 +49,6 @@ void AnalyseAll(Workspace& ws, const QString& text)
     ws.grammar.CommentedFollowR();
 }
 
-void WriteBytes(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
-    file.write(bytes);
-}
-
 bool AnyAnalysisKept(const Grammar& g)
 {
     for (int view = View::LL; view <= View::OPR; ++view)
@@ -267,7 +260,7 @@ TEST(CompiledGrammar, ForeignAndMissingCompanionsAreIgnoredSilently)
     RecordingHost host;
     for (const QByteArray& bytes : {otherVersion, lowerCase, QByteArray("PK\x03\x04"), QByteArray("\r\n2010 KAVEN")}) {
         const QString path = dir + QStringLiteral("/other.tkc");
-        WriteBytes(path, bytes);
+        ASSERT_TRUE(WriteFileBytes(path, bytes));
         Workspace ws(&host);
         QString grammarPath, grammarName;
         const TkcReadResult result = TKCRead(ws, path, grammarPath, grammarName);
@@ -288,8 +281,8 @@ TEST(CompiledGrammar, ForeignAndMissingCompanionsAreIgnoredSilently)
     EXPECT_EQ(host.criticals.size(), 1);
 
     // Opened through TKGOpen, a grammar beside a foreign companion opens unanalysed.
-    WriteBytes(dir + QStringLiteral("/g.tkg"), SampleText().toUtf8());
-    WriteBytes(dir + QStringLiteral("/g.tkc"), otherVersion);
+    ASSERT_TRUE(WriteFileBytes(dir + QStringLiteral("/g.tkg"), SampleText().toUtf8()));
+    ASSERT_TRUE(WriteFileBytes(dir + QStringLiteral("/g.tkc"), otherVersion));
     QString text, error;
     ASSERT_TRUE(TKGOpen(ws, dir + QStringLiteral("/g.tkg"), text, error));
     EXPECT_EQ(text, SampleText());
@@ -328,7 +321,7 @@ TEST(CompiledGrammar, DamagedFilesGiveOneErrorReportAndKeepWhatWasRestored)
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         const QString path = dir + QStringLiteral("/bad.tkc");
-        WriteBytes(path, c.bytes);
+        ASSERT_TRUE(WriteFileBytes(path, c.bytes));
         RecordingHost host;
         Workspace ws(&host);
         QString grammarPath, grammarName;
@@ -350,7 +343,7 @@ TEST(CompiledGrammar, DamagedFilesGiveOneErrorReportAndKeepWhatWasRestored)
     RecordingHost host;
     Workspace ws(&host);
     QString grammarPath, grammarName;
-    WriteBytes(dir + QStringLiteral("/cut.tkc"), bytes.left(bytes.size() - 40));
+    ASSERT_TRUE(WriteFileBytes(dir + QStringLiteral("/cut.tkc"), bytes.left(bytes.size() - 40)));
     EXPECT_EQ(TKCRead(ws, dir + QStringLiteral("/cut.tkc"), grammarPath, grammarName), TkcReadResult::Failed);
     EXPECT_EQ(ws.grammar.rules, source.grammar.rules);
     EXPECT_EQ(ws.lr.rows, source.lr.rows);
@@ -381,7 +374,7 @@ TEST(CompiledGrammar, StaleCompanionIsDiscardedSilently)
     const QString edits[] = {SampleText().replace(QStringLiteral("<S>=[d][c]"), QStringLiteral("<S>=[c][d]")),
                              SampleText() + QStringLiteral("<B>=[e]\r\n")};
     for (const QString& edited : edits) {
-        WriteBytes(grammarFile, edited.toUtf8());
+        ASSERT_TRUE(WriteFileBytes(grammarFile, edited.toUtf8()));
         Workspace ws(&host);
         ASSERT_TRUE(TKGOpen(ws, grammarFile, text, error));
         EXPECT_EQ(text, edited);
@@ -478,8 +471,8 @@ TEST(CompiledGrammar, FailedSaveLeavesTheOldTextWhole)
     const QString dir = ScratchDir(QStringLiteral("tkc-interrupted"));
     const QString grammarFile = dir + QStringLiteral("/g.tkg");
     const QByteArray oldText("<S>\r\n<S>=[a]\r\n");
-    WriteBytes(grammarFile, oldText);
-    WriteBytes(dir + QStringLiteral("/g.tkc"), QByteArray("old companion"));
+    ASSERT_TRUE(WriteFileBytes(grammarFile, oldText));
+    ASSERT_TRUE(WriteFileBytes(dir + QStringLiteral("/g.tkc"), QByteArray("old companion")));
 
     RecordingHost host;
     Workspace ws(&host);

@@ -35,11 +35,8 @@ TEST(GrammarFile, ReadReportsMissingFiles)
     EXPECT_FALSE(ReadGrammarFile(dir + QStringLiteral("/absent.tkg"), text, error));
     EXPECT_TRUE(error.contains(QStringLiteral("absent.tkg")));
 
-    QFile file(dir + QStringLiteral("/g.tkg"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("<S>\n\n<S>=[\xE0]\n");
-    file.close();
-    ASSERT_TRUE(ReadGrammarFile(file.fileName(), text, error));
+    ASSERT_TRUE(WriteFileBytes(dir + QStringLiteral("/g.tkg"), "<S>\n\n<S>=[\xE0]\n"));
+    ASSERT_TRUE(ReadGrammarFile(dir + QStringLiteral("/g.tkg"), text, error));
     EXPECT_EQ(text, QStringLiteral("<S>\r\n<S>=[а]\r\n"));
 }
 

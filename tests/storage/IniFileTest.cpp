@@ -11,9 +11,7 @@ namespace {
 QString Scratch(const QString& name, const QByteArray& bytes)
 {
     const QString path = ScratchDir(QStringLiteral("ini-") + name) + QStringLiteral("/TRELK.ini");
-    QFile f(path);
-    EXPECT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write(bytes);
+    EXPECT_TRUE(WriteFileBytes(path, bytes));
     return path;
 }
 

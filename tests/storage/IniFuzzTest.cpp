@@ -82,11 +82,7 @@ QList<QByteArray> SplitLines(const QByteArray& bytes)
 /// Returns whether the settings were read (rather than refused).
 bool Check(const QString& path, const QByteArray& text, const std::string& what)
 {
-    {
-        QFile f(path);
-        EXPECT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        f.write(text);
-    }
+    EXPECT_TRUE(WriteFileBytes(path, text));
     static const QRegularExpression message(
         QStringLiteral("^Settings file .*: key \"(CellWidth|MaxCycle|GenerateRules|GenerateRuleReverse|"
                        "GenerateComment|GenerateRecognizer|LFLetters|DisplayAllItems|PSignLT|PSignEQ|PSignGT|PUseQ|"
@@ -124,11 +120,7 @@ bool Check(const QString& path, const QByteArray& text, const std::string& what)
         ++tail;
     EXPECT_LE(before.size() - head - tail, 1) << what;  // at most the key's own line, or a last line given its end
     EXPECT_LE(after.size() - head - tail, 5) << what;   // that line, a blank line, a header, the key
-    {
-        QFile f(path);
-        EXPECT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        f.write(written);
-    }
+    EXPECT_TRUE(WriteFileBytes(path, written));
     EXPECT_EQ(IniFile::ReadString(path, QStringLiteral("MAIN"), QStringLiteral("cellwidth"), QString()),
               QStringLiteral("7"))
         << what;

@@ -16,9 +16,7 @@ QString Scratch(const QString& name, const QByteArray& bytes)
 {
     const QString path = ScratchDir(QStringLiteral("settings-") + name) + QStringLiteral("/TRELK.ini");
     if (!bytes.isNull()) {
-        QFile f(path);
-        EXPECT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(bytes);
+        EXPECT_TRUE(WriteFileBytes(path, bytes));
     }
     return path;
 }

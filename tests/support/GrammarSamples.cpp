@@ -154,3 +154,33 @@ int ExpectRecognizerAgrees(const QString& program, const std::vector<std::vector
     EXPECT_EQ(RunProgram(program, input), expected);
     return accepted;
 }
+
+QString RandomGrammarText(std::mt19937& rng, bool endMarkers)
+{
+    const QStringList terminals{QStringLiteral("[a]"), QStringLiteral("[b]"), QStringLiteral("[c]")};
+    const QStringList all{QStringLiteral("<S>"), QStringLiteral("<A>"), QStringLiteral("<B>"), QStringLiteral("<C>"),
+                          QStringLiteral("<D>")};
+    const auto pick = [&](int n) { return static_cast<int>(rng() % static_cast<unsigned>(n)); };
+    const int nonterminals = 2 + pick(4);
+    QStringList lines{QStringLiteral("<S>")};
+    for (int a = 0; a < nonterminals; ++a) {
+        const int rules = 1 + pick(3);
+        for (int k = 0; k < rules; ++k) {
+            QString line = all[a] + QLatin1Char('=');
+            const int length = pick(4);
+            for (int i = 0; i < length; ++i)
+                line += pick(5) < 2 ? terminals[pick(3)] : all[pick(nonterminals)];
+            if (endMarkers && length > 0 && pick(12) == 0)
+                line += QLatin1Char('.');
+            if (line != all[a] + QLatin1Char('=') + all[a])  // the parser would drop it
+                lines << line;
+        }
+    }
+    // Every non-terminal keeps a rule, and a terminal is named somewhere.
+    for (int a = 0; a < nonterminals; ++a)
+        if (!lines.join(QString()).contains(all[a] + QLatin1Char('=')))
+            lines << all[a] + QStringLiteral("=[c]");
+    if (!lines.join(QString()).contains(QLatin1Char('[')))
+        lines << QStringLiteral("<S>=[a]");
+    return lines.join(QStringLiteral("\r\n"));
+}

@@ -1,6 +1,6 @@
 /// \file
-/// Test helpers over grammars: parsing small texts into a workspace, random
-/// sentences of a grammar, and compiling generated C with gcc.
+/// Test helpers over grammars: small texts, random grammars and their random
+/// sentences, running an analyser, and compiling generated C with gcc.
 #pragma once
 
 #include "session/AnalysisRun.h"
@@ -32,6 +32,22 @@ public:
     QString text2;  ///< the output box
     int starts = 0, stops = 0, saves = 0;
 };
+
+/// A random grammar text over the terminals [a] [b] [c] and the non-terminals
+/// <S> <A> <B> <C> <D> (2 to 5 of them, <S> the goal, each with a rule): 1 to 3
+/// rules each, right sides of 0 to 3 symbols, so that empty rules, unit rules,
+/// cycles, left recursion, barren and unreachable symbols all come up. With
+/// endMarkers a right side now and then ends in ".".
+QString RandomGrammarText(std::mt19937& rng, bool endMarkers = false);
+
+/// Runs the analyser (Ana06LL ... Ana11OPR) on a readied workspace; its verdict.
+template <typename Analyser>
+bool Analysed(Workspace& ws)
+{
+    Analyser analyser(ws);
+    analyser.SetInProcess(true);
+    return analyser.Analyze();
+}
 
 /// Random sentences of the parsed grammar (terminal codes, without the end
 /// marker): leftmost derivations that choose rules at random and, past a depth,

@@ -18,6 +18,8 @@ QString ReadGrammarText(const QString& path);
 QString BuiltProgram(const QString& relative);
 /// The bytes of a file; empty when it cannot be read.
 QByteArray FileBytes(const QString& path);
+/// Writes bytes as the whole file, making its folder; false when it cannot.
+bool WriteFileBytes(const QString& path, const QByteArray& bytes);
 /// A fresh folder under the build tree, removed at the start of each run.
 QString ScratchDir(const QString& name);
 

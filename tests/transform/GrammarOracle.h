@@ -28,9 +28,3 @@ bool HasCommonFirstSymbols(const Grammar& g);
 bool HasEmptyRulesBeyondGoal(const Grammar& g);
 /// The rules of every non-terminal stand together.
 bool RulesGrouped(const Grammar& g);
-
-/// A random grammar text over the terminals a b c and the non-terminals S A B
-/// C D (not all used): 1 to 3 rules each, right sides of 0 to 3 symbols, so
-/// that empty rules, unit rules, cycles, left recursion, barren and
-/// unreachable symbols all come up.
-QString RandomGrammarText(std::mt19937& rng);
