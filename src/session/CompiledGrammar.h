@@ -4,24 +4,12 @@
 /// the grammar file's path, so that a reopened grammar comes back analysed.
 #pragma once
 
+#include "storage/TkcCodec.h"
+
 #include <QString>
 
 class Grammar;
 class Workspace;
-
-/// The error numbers of file operations and their descriptions, as the error
-/// report shows them.
-namespace FileErrorNumber {
-constexpr int Overflow = 6;             ///< a text too long for a text value (more than 65535 bytes)
-constexpr int OutOfMemory = 7;          ///< an array count that no file of ours holds
-constexpr int SubscriptOutOfRange = 9;  ///< bounds or codes that do not fit the shared data
-constexpr int TypeMismatch = 13;        ///< a value of another kind than the slot holds
-constexpr int InputPastEnd = 62;        ///< the file ends inside a value
-constexpr int FileAccess = 75;          ///< the file cannot be opened, written or replaced
-} // namespace FileErrorNumber
-
-/// "Overflow", "Out of memory", ...: the description of an error number.
-QString FileErrorDescription(int number);
 
 /// The error report of a failed file operation: "Error encountered: " number,
 /// CR LF, description, CR LF, "Source: " source, CR LF. Kept in the workspace's
