@@ -79,15 +79,11 @@ bool LrResultsWithin(const LrResults& r, const Grammar& g, int itemCount)
             return false;
         if (r.lookaheads.empty())
             continue;
-        // Runs of "item, count, members...".
-        const std::vector<int>& runs = r.lookaheads[s];
-        for (std::size_t i = 0; i < runs.size();) {
-            if (i + 1 >= runs.size() || runs[i] < 0 || runs[i] >= itemCount || runs[i + 1] < 0
-                || static_cast<std::size_t>(runs[i + 1]) > runs.size() - i - 2)
+        for (const ItemLookahead& kept : r.lookaheads[s]) {
+            if (kept.item < 0 || kept.item >= itemCount)
                 return false;
-            const std::size_t end = i + 2 + static_cast<std::size_t>(runs[i + 1]);
-            for (i += 2; i < end; ++i)
-                if (runs[i] < 0 || runs[i] > g.terminalCount)
+            for (int t : kept.terminals)
+                if (t < 0 || t > g.terminalCount)
                     return false;
         }
     }

@@ -198,8 +198,7 @@ struct Flags {
 };
 
 /// A list of general values from 0, each an array of 32-bit integers with the
-/// given lower bound: rules (from 1, as rules are numbered), kernels and
-/// look-ahead runs (from 0).
+/// given lower bound: rules (from 1, as rules are numbered) and kernels (from 0).
 struct IntLists {
     Field<std::vector<std::vector<int>>> field;
     qint32 innerLower;
@@ -216,6 +215,50 @@ struct IntLists {
         for (std::vector<int>& list : lists)
             list = in.IntArray(innerLower);
         field(w.ws) = std::move(lists);
+    }
+};
+
+/// The look-aheads an LR method keeps: a list of general values from 0 (by
+/// state), each an array from 0 of runs "item, count, terminals..." laid out
+/// one after the other. A run whose count is negative or reaches past its
+/// array is read as an entry of item -1, which no grammar has, so the restored
+/// state is discarded (LrResultsWithin) as for any other number out of range.
+struct Lookaheads {
+    Field<std::vector<StateLookaheads>> field;
+    void Write(TkcWriter& out, Walk& w) const
+    {
+        const std::vector<StateLookaheads>& states = field(w.ws);
+        out.ArrayHeader(Tag::Variant, states.size(), 0);
+        for (const StateLookaheads& state : states) {
+            std::size_t count = 0;
+            for (const ItemLookahead& kept : state)
+                count += 2 + kept.terminals.size();
+            out.ArrayHeader(Tag::Int32, count, 0);
+            for (const ItemLookahead& kept : state) {
+                out.I32(kept.item);
+                out.I32(static_cast<qint32>(kept.terminals.size()));
+                for (int t : kept.terminals)
+                    out.I32(t);
+            }
+        }
+    }
+    void Read(TkcReader& in, Walk& w) const
+    {
+        std::vector<StateLookaheads> states(in.ArrayHeader(Tag::Variant, 0, 2));
+        for (StateLookaheads& state : states) {
+            const std::vector<int> runs = in.IntArray(0);
+            for (std::size_t i = 0; i < runs.size();) {
+                const std::size_t left = runs.size() - i;
+                if (left < 2 || runs[i + 1] < 0 || static_cast<std::size_t>(runs[i + 1]) > left - 2) {
+                    state.push_back({-1, {}});
+                    break;
+                }
+                const auto first = runs.begin() + static_cast<std::ptrdiff_t>(i) + 2;
+                state.push_back({runs[i], std::vector<int>(first, first + runs[i + 1])});
+                i += 2 + static_cast<std::size_t>(runs[i + 1]);
+            }
+        }
+        field(w.ws) = std::move(states);
     }
 };
 
@@ -334,7 +377,7 @@ struct Ints {
 };
 
 /// Slots 64-66: an LR analyser's state count, raw. Its kernels, rows, accessing
-/// symbols and look-ahead runs (when it has them) must all have that many entries.
+/// symbols and look-aheads (when it keeps them) must all have that many entries.
 struct StateCount {
     Field<LrResults> field;
     void Write(TkcWriter& out, Walk& w) const { out.I32(field(w.ws).States()); }
@@ -439,8 +482,8 @@ struct Precedence {
 };
 
 using Binding = std::variant<Signature, Version, WalkText, ParsedList, Counter, TextArray<std::vector<QString>>,
-                             LrConflictLines, Marks, Flags, IntLists, Sets, LLCells, Rows, Ints, StateCount,
-                             Text, Precedence>;
+                             LrConflictLines, Marks, Flags, IntLists, Lookaheads, Sets, LLCells, Rows, Ints,
+                             StateCount, Text, Precedence>;
 
 struct Slot {
     int number;  ///< 1..85, for reference: slots are not numbered in the file
@@ -496,12 +539,12 @@ const Slot kSlots[] = {
     {40, Rows{TKC_FIELD(ws.lalr.rows)}},
     {41, Ints{TKC_FIELD(ws.lalr.accessing)}},
     {42, LrConflictLines{TKC_FIELD(ws.lalr.conflicts), ConflictMethod::LALR}},
-    {43, IntLists{TKC_FIELD(ws.lalr.lookaheads), 0}},
+    {43, Lookaheads{TKC_FIELD(ws.lalr.lookaheads)}},
     {44, IntLists{TKC_FIELD(ws.lr.kernels), 0}},  // canonical LR(1), by state
     {45, Rows{TKC_FIELD(ws.lr.rows)}},
     {46, Ints{TKC_FIELD(ws.lr.accessing)}},
     {47, LrConflictLines{TKC_FIELD(ws.lr.conflicts), ConflictMethod::LR}},
-    {48, IntLists{TKC_FIELD(ws.lr.lookaheads), 0}},
+    {48, Lookaheads{TKC_FIELD(ws.lr.lookaheads)}},
     {49, Precedence{}},  // the precedence matrices, flags and result texts
     // Texts.
     {50, Text{TKC_FIELD(ws.grammar.grammarText), Remade}},

@@ -213,12 +213,9 @@ TEST(Lr, LalrEqualsMergedCanonicalOnRandomGrammars)
         const auto merged = MergedCanonical(ws);
         const LrResults& lalr = ws.lalr;
         std::map<std::pair<std::vector<int>, int>, std::set<int>> ours;
-        for (std::size_t s = 0; s < lalr.kernels.size(); ++s) {
-            const std::vector<int>& runs = lalr.lookaheads[s];
-            for (std::size_t i = 0; i + 1 < runs.size(); i += 2 + static_cast<std::size_t>(runs[i + 1]))
-                ours[{lalr.kernels[s], runs[i]}] = std::set<int>(runs.begin() + static_cast<long>(i) + 2,
-                                                                 runs.begin() + static_cast<long>(i) + 2 + runs[i + 1]);
-        }
+        for (std::size_t s = 0; s < lalr.kernels.size(); ++s)
+            for (const ItemLookahead& kept : lalr.lookaheads[s])
+                ours[{lalr.kernels[s], kept.item}] = std::set<int>(kept.terminals.begin(), kept.terminals.end());
         // Every merged canonical state is an LR(0) state with the same reduces.
         for (const auto& [key, set] : merged)
             EXPECT_EQ(ours[key], set);
