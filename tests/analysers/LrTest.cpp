@@ -100,6 +100,41 @@ TEST(Lr, AcceptAndListings)
     EXPECT_TRUE(lr.ItemDisplay().contains(QStringLiteral("    <S> = \u2022 [b] , $\r\n")));
 }
 
+TEST(Lr, ItemListingsShowTheLookaheadsEachMethodKeeps)
+{
+    // LALR(1) keeps look-aheads for its complete items only (the empty rule in
+    // the closures; none for the accepting item); LR(1) for every kernel item,
+    // and the closure's items take theirs from them.
+    Ready s(Lines({"<S>", "<S>=<A>[a]", "<A>=[b]<A>", "<A>="}));
+    ASSERT_TRUE(Analysed<Ana08LALR>(s.ws));
+    ASSERT_TRUE(Analysed<Ana09LR>(s.ws));
+    const QString lalr[] = {
+        Lines({"State 0", "    <'> = • <S>", "State 1 ([b])", "    <A> = [b] • <A>",
+               "State 2 (<S>)", "    <'> = <S> • ,", "State 3 (<A>)", "    <S> = <A> • [a]",
+               "State 4 (<A>)", "    <A> = [b] <A> • , [a]", "State 5 ([a])", "    <S> = <A> [a] • , $", ""}),
+        Lines({"State 0", "    <'> = • <S>", "    <S> = • <A> [a]", "    <A> = • [b] <A>",
+               "    <A> = • , [a]", "State 1 ([b])", "    <A> = [b] • <A>", "    <A> = • [b] <A>",
+               "    <A> = • , [a]", "State 2 (<S>)", "    <'> = <S> • ,", "State 3 (<A>)",
+               "    <S> = <A> • [a]", "State 4 (<A>)", "    <A> = [b] <A> • , [a]", "State 5 ([a])",
+               "    <S> = <A> [a] • , $", ""})};
+    const QString lr[] = {
+        Lines({"State 0", "    <'> = • <S> , $", "State 1 ([b])", "    <A> = [b] • <A> , [a]",
+               "State 2 (<S>)", "    <'> = <S> • , $", "State 3 (<A>)", "    <S> = <A> • [a] , $",
+               "State 4 (<A>)", "    <A> = [b] <A> • , [a]", "State 5 ([a])", "    <S> = <A> [a] • , $", ""}),
+        Lines({"State 0", "    <'> = • <S> , $", "    <S> = • <A> [a] , $", "    <A> = • [b] <A> , [a]",
+               "    <A> = • , [a]", "State 1 ([b])", "    <A> = [b] • <A> , [a]",
+               "    <A> = • [b] <A> , [a]", "    <A> = • , [a]", "State 2 (<S>)", "    <'> = <S> • , $",
+               "State 3 (<A>)", "    <S> = <A> • [a] , $", "State 4 (<A>)", "    <A> = [b] <A> • , [a]",
+               "State 5 ([a])", "    <S> = <A> [a] • , $", ""})};
+    for (int all : {0, 1}) {
+        s.ws.settings.displayAllItems = all;
+        s.ws.lalr.itemText.clear();
+        s.ws.lr.itemText.clear();
+        EXPECT_EQ(Ana08LALR(s.ws).ItemDisplay(), lalr[all]) << "DisplayAllItems=" << all;
+        EXPECT_EQ(Ana09LR(s.ws).ItemDisplay(), lr[all]) << "DisplayAllItems=" << all;
+    }
+}
+
 TEST(Lr, CyclesOverflowComparesTheFirstStateOfTheNextPass)
 {
     Ready s(kExpr);
