@@ -4,7 +4,8 @@
 
 Ana08LALR::Ana08LALR(Model& model)
     : LrAnalyser(model, model.lalr,
-                 {GrammarFlag::AnalysedLALR, GrammarFlag::LALRVerdict, "LALR", "This Grammar Is Not LALR(1).", true, ConflictMethod::LALR})
+                 {GrammarFlag::AnalysedLALR, GrammarFlag::LALRVerdict, "LALR", "This Grammar Is Not LALR(1).", true, ConflictMethod::LALR,
+                  KeptLookaheads::Reduces})
 {
 }
 
@@ -21,13 +22,12 @@ bool Ana08LALR::Build(const LrGrammar& lg, PassFrame& frame, ReduceList& reduces
     m_results.lookaheads.assign(kernels.size(), {});
     for (std::size_t s = 0; s < kernels.size(); ++s) {
         const std::vector<int> complete = lg.CompleteItems(kernels[s]);
+        StateLookaheads& kept = m_results.lookaheads[s];
+        kept.reserve(complete.size());
         for (std::size_t i = 0; i < complete.size(); ++i) {
-            const std::vector<int> members = lookaheads[s][i].second.Members();
+            std::vector<int> members = lookaheads[s][i].second.Members();
             reduces[s].emplace_back(lookaheads[s][i].first, members);
-            std::vector<int>& runs = m_results.lookaheads[s];
-            runs.push_back(complete[i]);
-            runs.push_back(static_cast<int>(members.size()));
-            runs.insert(runs.end(), members.begin(), members.end());
+            kept.push_back({complete[i], std::move(members)});
         }
     }
     m_results.kernels = std::move(automaton.kernels);

@@ -4,7 +4,8 @@
 
 Ana09LR::Ana09LR(Model& model)
     : LrAnalyser(model, model.lr,
-                 {GrammarFlag::AnalysedLR, GrammarFlag::LRVerdict, "LR", "This Grammar Is Not LR(1).", false, ConflictMethod::LR})
+                 {GrammarFlag::AnalysedLR, GrammarFlag::LRVerdict, "LR", "This Grammar Is Not LR(1).", false, ConflictMethod::LR,
+                  KeptLookaheads::Kernel})
 {
 }
 
@@ -21,16 +22,15 @@ bool Ana09LR::Build(const LrGrammar& lg, PassFrame& frame, ReduceList& reduces)
     for (std::size_t s = 0; s < states; ++s) {
         const std::vector<int>& kernel = automaton.kernels[s];
         const std::vector<TerminalSet>& kernelLa = automaton.lookaheads[s];
-        std::vector<int>& runs = m_results.lookaheads[s];
+        StateLookaheads& kept = m_results.lookaheads[s];
+        kept.reserve(kernel.size());
         // Every kernel item keeps its look-aheads (the item listing shows them);
         // complete ones reduce under them.
         for (std::size_t i = 0; i < kernel.size(); ++i) {
-            const std::vector<int> members = kernelLa[i].Members();
-            runs.push_back(kernel[i]);
-            runs.push_back(static_cast<int>(members.size()));
-            runs.insert(runs.end(), members.begin(), members.end());
+            std::vector<int> members = kernelLa[i].Members();
             if (items.Complete(kernel[i]))
                 reduces[s].emplace_back(items.Rule(kernel[i]), members);
+            kept.push_back({kernel[i], std::move(members)});
         }
         // Empty rules of the closure reduce under the look-aheads of their non-terminal.
         for (int nt : closure.Compute(kernel, kernelLa))

@@ -159,19 +159,15 @@ QString LrAnalyser::BuildItemText() const
         if (s > 0)
             text += QStringLiteral(" (") + g.GetSymbolS(m_results.accessing[s]) + QLatin1Char(')');
         text += kEol;
-        // Look-aheads kept for this state: item -> its members.
-        std::unordered_map<int, std::vector<int>> known;
-        std::vector<TerminalSet> kernelLa;
-        if (s < m_results.lookaheads.size()) {
-            const std::vector<int>& runs = m_results.lookaheads[s];
-            for (std::size_t i = 0; i + 1 < runs.size();) {
-                const int item = runs[i];
-                const int count = runs[i + 1];
-                known[item].assign(runs.begin() + static_cast<long>(i) + 2,
-                                   runs.begin() + static_cast<long>(i) + 2 + count);
-                i += 2 + static_cast<std::size_t>(count);
-            }
-        }
+        // Look-aheads kept for this state: item -> its terminals.
+        std::unordered_map<int, const std::vector<int>*> known;
+        if (s < m_results.lookaheads.size())
+            for (const ItemLookahead& kept : m_results.lookaheads[s])
+                known[kept.item] = &kept.terminals;
+        auto keptFor = [&](int item) -> const std::vector<int>* {
+            auto it = known.find(item);
+            return it == known.end() ? nullptr : it->second;
+        };
         auto line = [&](int item, const std::vector<int>* la) {
             text += QStringLiteral("    ") + items.Text(g, item);
             if (la) {
@@ -181,26 +177,23 @@ QString LrAnalyser::BuildItemText() const
             }
             text += kEol;
         };
-        for (int item : kernel) {
-            auto it = known.find(item);
-            line(item, it == known.end() ? nullptr : &it->second);
-        }
+        for (int item : kernel)
+            line(item, keptFor(item));
         if (!all)
             continue;
-        // Every item of the closure; with kernel look-aheads for all kernel items
-        // (canonical LR(1)) the closure's look-aheads follow from them.
-        bool kernelComplete = !known.empty();
-        for (int item : kernel)
-            if (!known.count(item)) {
-                kernelComplete = false;
-                break;
-            }
-        if (kernelComplete) {
+        // Every item of the closure. Kernel look-aheads (canonical LR(1)) give
+        // those of the closure's items; LALR(1) has them kept for its complete
+        // items, the empty rules among them.
+        const bool fromKernel = m_kind.lookaheads == KeptLookaheads::Kernel;
+        if (fromKernel) {
+            std::vector<TerminalSet> kernelLa;
+            kernelLa.reserve(kernel.size());
             for (int item : kernel) {
                 TerminalSet set(g.terminalCount);
-                for (int t : known[item])
-                    set.Add(t);
-                kernelLa.push_back(set);
+                if (const std::vector<int>* la = keptFor(item))
+                    for (int t : *la)
+                        set.Add(t);
+                kernelLa.push_back(std::move(set));
             }
             closure.Compute(kernel, kernelLa);
         }
@@ -209,15 +202,13 @@ QString LrAnalyser::BuildItemText() const
                 continue;
             if (item == items.Item(0, 0))
                 continue;
-            std::vector<int> la;
-            const std::vector<int>* shown = nullptr;
-            if (kernelComplete) {
-                la = closure.Lookahead(g.rules[static_cast<std::size_t>(items.Rule(item))][0]).Members();
-                shown = &la;
-            } else if (auto it = known.find(item); it != known.end()) {
-                shown = &it->second;
+            if (fromKernel) {
+                const int left = g.rules[static_cast<std::size_t>(items.Rule(item))][0];
+                const std::vector<int> la = closure.Lookahead(left).Members();
+                line(item, &la);
+            } else {
+                line(item, keptFor(item));
             }
-            line(item, shown);
         }
     }
     return text;

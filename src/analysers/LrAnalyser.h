@@ -31,6 +31,7 @@ protected:
         const char* verdict;    ///< "This Grammar Is Not SLR(1)." etc.
         bool showPass;          ///< writes "Pass: N"
         ConflictMethod method;  ///< what its conflict records say
+        KeptLookaheads lookaheads = KeptLookaheads::None;  ///< the items its look-aheads are kept for
     };
     LrAnalyser(Model& model, LrResults& results, const Kind& kind)
         : m_model(model)
@@ -42,7 +43,7 @@ protected:
     /// Makes sure the sets the analyser needs exist; false when they cannot be had.
     virtual bool Prepare() { return true; }
     /// Builds the automaton into the results (kernels, rows, accessing, and the
-    /// look-ahead runs where the method has them) and the reduces of every state.
+    /// look-aheads of the items Kind::lookaheads names) and the reduces of every state.
     virtual bool Build(const LrGrammar& lg, PassFrame& frame, ReduceList& reduces) = 0;
 
     Model& m_model;

@@ -152,6 +152,32 @@ using SparseRow = std::vector<std::pair<int, int>>;
 /// The entry of row for code (0 when absent).
 int RowEntry(const SparseRow& row, int code);
 
+/// The look-aheads an LR method keeps for one item of a state.
+struct ItemLookahead {
+    int item;                    ///< the item, numbered as LrItems does
+    std::vector<int> terminals;  ///< its look-ahead codes, ascending (0 is the end marker)
+
+    friend bool operator==(const ItemLookahead&, const ItemLookahead&) = default;
+};
+/// The look-aheads kept for the items of one state.
+using StateLookaheads = std::vector<ItemLookahead>;
+
+/// The items of a state whose look-aheads an LR method keeps.
+enum class KeptLookaheads {
+    /// SLR(1): none; its reduces are written under FOLLOWL.
+    None,
+    /// LALR(1): each complete item of the state's closure, that is its complete
+    /// kernel items in kernel order, then the empty rules of the non-terminals
+    /// the closure adds (LrGrammar::CompleteItems): the look-aheads its reduce
+    /// is written under (an empty set for the accepting item of rule 0). Other
+    /// items have none kept.
+    Reduces,
+    /// Canonical LR(1): each kernel item in kernel order, complete or not, with
+    /// its LR(1) look-aheads; those of the closure's items follow from them
+    /// (Lr1Closure).
+    Kernel,
+};
+
 /// What an LR analyser (SLR(1), LALR(1), canonical LR(1)) keeps between runs.
 /// The two texts are large for large automata; they are built from the kept
 /// data when first asked for.
@@ -162,9 +188,9 @@ struct LrResults {
     /// The reduces that could not be written, one record each, in the order met
     /// (model/Conflicts.h; the listing writes them as LrConflictText).
     std::vector<Conflict> conflicts;
-    /// by state: for LALR(1) and LR(1), the look-aheads of each kernel item and
-    /// each empty rule of the closure, as "rule, count, members..." runs; empty for SLR(1).
-    std::vector<std::vector<int>> lookaheads;
+    /// by state: the look-aheads of the items the method keeps them for, in
+    /// the order KeptLookaheads gives; empty for SLR(1).
+    std::vector<StateLookaheads> lookaheads;
     QString tableText = NotAnalyzed;  ///< verdict and table listing ("" until built)
     QString itemText = NotAnalyzed;   ///< verdict and item-set listing ("" until built)
     SavedStatus saved;

@@ -2,54 +2,21 @@
 /// The compiled grammar file (.tkc): the companion of a grammar text file that
 /// keeps the grammar's name, a snapshot of the workspace's analysis state and
 /// the grammar file's path, so that a reopened grammar comes back analysed.
+/// Its parts: the byte codec with the error numbers (storage/TkcCodec.h),
+/// TKCSave and TKCRead over the slot table (TkcSlots.h), and the check of a
+/// restored state (RestoredState.h); here, the error report they share with
+/// the grammar file commands.
 #pragma once
+
+#include "session/RestoredState.h"
+#include "session/TkcSlots.h"
+#include "storage/TkcCodec.h"
 
 #include <QString>
 
-class Grammar;
 class Workspace;
-
-/// The error numbers of file operations and their descriptions, as the error
-/// report shows them.
-namespace FileErrorNumber {
-constexpr int Overflow = 6;             ///< a text too long for a text value (more than 65535 bytes)
-constexpr int OutOfMemory = 7;          ///< an array count that no file of ours holds
-constexpr int SubscriptOutOfRange = 9;  ///< bounds or codes that do not fit the shared data
-constexpr int TypeMismatch = 13;        ///< a value of another kind than the slot holds
-constexpr int InputPastEnd = 62;        ///< the file ends inside a value
-constexpr int FileAccess = 75;          ///< the file cannot be opened, written or replaced
-} // namespace FileErrorNumber
-
-/// "Overflow", "Out of memory", ...: the description of an error number.
-QString FileErrorDescription(int number);
 
 /// The error report of a failed file operation: "Error encountered: " number,
 /// CR LF, description, CR LF, "Source: " source, CR LF. Kept in the workspace's
 /// lastFileError and shown through the host's critical message.
 void ReportFileError(Workspace& workspace, int number, const QString& source);
-
-/// What TKCRead found.
-enum class TkcReadResult {
-    Missing,   ///< no file: nothing restored, nothing reported
-    Foreign,   ///< another format or version: nothing restored, nothing reported
-    Restored,  ///< every slot restored
-    Failed,    ///< an error after opening: reported; the slots before it stay restored
-};
-
-/// Writes the compiled grammar file at path from the workspace's state, with the
-/// grammar file's path and the grammar's name. Any existing file is deleted
-/// first; the new one is written through QSaveFile. On failure reports (source
-/// "TKCSave") and returns false.
-bool TKCSave(Workspace& workspace, const QString& path, const QString& grammarPath, const QString& grammarName);
-
-/// Reads the compiled grammar file at path into the workspace's state and gives
-/// back the grammar file's path and the grammar's name that it holds.
-TkcReadResult TKCRead(Workspace& workspace, const QString& path, QString& grammarPath, QString& grammarName);
-
-/// After TKCRead: keeps the restored state only when it belongs to text and
-/// holds together, that is when parsing text gives the same symbols, rules and
-/// parse-derived data, and every code, rule, state and item number in the
-/// analysers' results lies within that grammar. Otherwise the grammar is
-/// cleared and every analyser's results are reset, silently: nothing shown may
-/// come from the results of another text. Returns true when the state was kept.
-bool CheckRestoredState(Workspace& workspace, const QString& text);

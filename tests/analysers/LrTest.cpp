@@ -62,6 +62,41 @@ TEST(Lr, ItemSetsCarryTheVerdictAndTheLookaheads)
     EXPECT_TRUE(lr.ItemDisplay().contains(QStringLiteral("    <S> = \u2022 [b] , $\r\n")));
 }
 
+TEST(Lr, ItemListingsShowTheLookaheadsEachMethodKeeps)
+{
+    // LALR(1) keeps look-aheads for its complete items only (the empty rule in
+    // the closures; none for the accepting item); LR(1) for every kernel item,
+    // and the closure's items take theirs from them.
+    Ready s(Lines({"<S>", "<S>=<A>[a]", "<A>=[b]<A>", "<A>="}));
+    ASSERT_TRUE(Analysed<Ana08LALR>(s.ws));
+    ASSERT_TRUE(Analysed<Ana09LR>(s.ws));
+    const QString lalr[] = {
+        Lines({"State 0", "    <'> = • <S>", "State 1 ([b])", "    <A> = [b] • <A>",
+               "State 2 (<S>)", "    <'> = <S> • ,", "State 3 (<A>)", "    <S> = <A> • [a]",
+               "State 4 (<A>)", "    <A> = [b] <A> • , [a]", "State 5 ([a])", "    <S> = <A> [a] • , $", ""}),
+        Lines({"State 0", "    <'> = • <S>", "    <S> = • <A> [a]", "    <A> = • [b] <A>",
+               "    <A> = • , [a]", "State 1 ([b])", "    <A> = [b] • <A>", "    <A> = • [b] <A>",
+               "    <A> = • , [a]", "State 2 (<S>)", "    <'> = <S> • ,", "State 3 (<A>)",
+               "    <S> = <A> • [a]", "State 4 (<A>)", "    <A> = [b] <A> • , [a]", "State 5 ([a])",
+               "    <S> = <A> [a] • , $", ""})};
+    const QString lr[] = {
+        Lines({"State 0", "    <'> = • <S> , $", "State 1 ([b])", "    <A> = [b] • <A> , [a]",
+               "State 2 (<S>)", "    <'> = <S> • , $", "State 3 (<A>)", "    <S> = <A> • [a] , $",
+               "State 4 (<A>)", "    <A> = [b] <A> • , [a]", "State 5 ([a])", "    <S> = <A> [a] • , $", ""}),
+        Lines({"State 0", "    <'> = • <S> , $", "    <S> = • <A> [a] , $", "    <A> = • [b] <A> , [a]",
+               "    <A> = • , [a]", "State 1 ([b])", "    <A> = [b] • <A> , [a]",
+               "    <A> = • [b] <A> , [a]", "    <A> = • , [a]", "State 2 (<S>)", "    <'> = <S> • , $",
+               "State 3 (<A>)", "    <S> = <A> • [a] , $", "State 4 (<A>)", "    <A> = [b] <A> • , [a]",
+               "State 5 ([a])", "    <S> = <A> [a] • , $", ""})};
+    for (int all : {0, 1}) {
+        s.ws.settings.displayAllItems = all;
+        s.ws.lalr.itemText.clear();
+        s.ws.lr.itemText.clear();
+        EXPECT_EQ(Ana08LALR(s.ws).ItemDisplay(), lalr[all]) << "DisplayAllItems=" << all;
+        EXPECT_EQ(Ana09LR(s.ws).ItemDisplay(), lr[all]) << "DisplayAllItems=" << all;
+    }
+}
+
 TEST(Lr, CyclesOverflowComparesTheFirstStateOfTheNextPass)
 {
     Ready s(kExpr);
@@ -157,12 +192,9 @@ TEST(Lr, LalrEqualsMergedCanonicalOnRandomGrammars)
         const auto merged = MergedCanonical(ws);
         const LrResults& lalr = ws.lalr;
         std::map<std::pair<std::vector<int>, int>, std::set<int>> ours;
-        for (std::size_t s = 0; s < lalr.kernels.size(); ++s) {
-            const std::vector<int>& runs = lalr.lookaheads[s];
-            for (std::size_t i = 0; i + 1 < runs.size(); i += 2 + static_cast<std::size_t>(runs[i + 1]))
-                ours[{lalr.kernels[s], runs[i]}] = std::set<int>(runs.begin() + static_cast<long>(i) + 2,
-                                                                 runs.begin() + static_cast<long>(i) + 2 + runs[i + 1]);
-        }
+        for (std::size_t s = 0; s < lalr.kernels.size(); ++s)
+            for (const ItemLookahead& kept : lalr.lookaheads[s])
+                ours[{lalr.kernels[s], kept.item}] = std::set<int>(kept.terminals.begin(), kept.terminals.end());
         // Every merged canonical state is an LR(0) state with the same reduces.
         for (const auto& [key, set] : merged)
             EXPECT_EQ(ours[key], set);

@@ -101,6 +101,43 @@ TEST(CompiledGrammar, RoundTripRestoresEveryKeptResult)
         EXPECT_EQ(rb->conflicts, ra->conflicts);
         EXPECT_EQ(rb->itemText, ra->itemText);
     }
+    // The item listings built again from the restored look-aheads, closures included.
+    for (Workspace* ws : {&a, &b}) {
+        ws->settings.displayAllItems = 1;
+        ws->lalr.itemText.clear();
+        ws->lr.itemText.clear();
+    }
+    for (int view : {View::LALR, View::LR})
+        EXPECT_EQ(ItemListing(b, view), ItemListing(a, view)) << "view " << view;
+}
+
+TEST(CompiledGrammar, LookaheadRunThatOverrunsItsStateIsDiscardedSilently)
+{
+    Workspace a;
+    AnalyseAll(a, SampleText());
+    // A marker entry closes the last state's runs; in the bytes it becomes item 1
+    // with no terminal (a run that fits) or with one that is not there.
+    a.lalr.lookaheads.back().push_back({0x5A5A5A5A, {}});
+    const QString path = ScratchDir(QStringLiteral("tkc-lookaheads")) + QStringLiteral("/g.tkc");
+    ASSERT_TRUE(TKCSave(a, path, QString(), QString()));
+    const QByteArray marker("\x5A\x5A\x5A\x5A\x00\x00\x00\x00", 8);
+    const QByteArray saved = FileBytes(path);
+    const qsizetype at = saved.indexOf(marker);
+    ASSERT_GT(at, 0);
+    ASSERT_EQ(saved.lastIndexOf(marker), at);
+    for (const char count : {0, 1}) {
+        SCOPED_TRACE(int(count));
+        QByteArray bytes = saved;
+        bytes.replace(at, 8, QByteArray("\x01\x00\x00\x00", 4) + QByteArray(1, count) + QByteArray(3, '\0'));
+        WriteBytes(path, bytes);
+        RecordingHost host;
+        Workspace b(&host);
+        QString grammarPath, grammarName;
+        ASSERT_EQ(TKCRead(b, path, grammarPath, grammarName), TkcReadResult::Restored);
+        EXPECT_EQ(CheckRestoredState(b, SampleText()), count == 0);
+        EXPECT_EQ(b.lalr.lookaheads.empty(), count == 1);
+        EXPECT_EQ(host.criticals, QStringList());
+    }
 }
 
 TEST(CompiledGrammar, RoundTripKeepsThePrecedenceTables)
