@@ -129,7 +129,7 @@ TEST(CompiledGrammar, LookaheadRunThatOverrunsItsStateIsDiscardedSilently)
         SCOPED_TRACE(int(count));
         QByteArray bytes = saved;
         bytes.replace(at, 8, QByteArray("\x01\x00\x00\x00", 4) + QByteArray(1, count) + QByteArray(3, '\0'));
-        WriteBytes(path, bytes);
+        ASSERT_TRUE(WriteFileBytes(path, bytes));
         RecordingHost host;
         Workspace b(&host);
         QString grammarPath, grammarName;
