@@ -56,7 +56,8 @@ struct BadText {
 
 class NotationErrors : public ::testing::TestWithParam<BadText> {};
 
-// The messages themselves are golden cases (check-error-*); here the place kept beside them.
+// The messages themselves are golden cases (check-error-*); here the place kept beside
+// them, one case for each place in the parser that reports an error.
 TEST_P(NotationErrors, ShowExactlyOneMessageAndKeepItsPlace)
 {
     Parse p(QString::fromUtf8(GetParam().text));
@@ -73,9 +74,15 @@ INSTANTIATE_TEST_SUITE_P(
     Messages, NotationErrors,
     ::testing::Values(
         BadText{"<E\r\n<E>=[a]", "Первая строка должна содержать целевой символ.", 1, 0},
+        BadText{"<E>\r\n<E>", "Unexpected end of line 2.", 2, 0},
         BadText{"<E>\r\n<E>=[a]\r\n<E>=[b]\r\nx<F>", "Unexpected end of line 4.", 4, 0},
         BadText{"<E>\r\n<E>=[a]<F", "Unclosed nonterminal in line 2.", 2, 0},
+        BadText{"<E>\r\n<E>=<>", "Empty nonterminal in line 2.", 2, 0},
+        BadText{"<E>\r\n<E>=[a", "Unclosed terminal in line 2.", 2, 0},
+        BadText{"<E>\r\n<E>=[]", "Empty terminal in line 2.", 2, 0},
         BadText{"<E>\r\n<E>=[a][]", "Empty terminal in line 2.", 2, 0},
+        BadText{"<E>\r\n<E>[a]", "Equal sign (=) expected in line 2.", 2, 0},
+        BadText{"<E>\r\n<E>=.[a]", "Extra character \"[\" in [2,6].", 2, 6},
         BadText{"<E>\r\n#7 <E> = [a] x", "Extra character \"x\" in [2,8].", 2, 8},
         BadText{"<E>\r\n<E>=[a]\r\n<E>=[b]\r\n<E>=[a]..", "Extra character \".\" in [4,9].", 4, 9},
         BadText{"<E>\r\n<E>=<F><G>\r\n<G>=[g]", "Non-terminal F is not defined.", 0, 0}));
