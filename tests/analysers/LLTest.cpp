@@ -12,33 +12,30 @@
 
 namespace {
 
+/// The workspace of text, readied and analysed by LL(1).
 struct LL {
     RecordingHost host;
     Workspace ws{&host};
-    bool parsed = false;
     bool verdict = false;
 
     explicit LL(const QString& text)
     {
         RecordingFrontend frontend(text);
-        parsed = AnalyzeGrammar(ws, frontend);
-        verdict = Analysed<Ana06LL>(ws);
+        verdict = AnalyzeGrammar(ws, frontend) && Analysed<Ana06LL>(ws);
     }
 };
 
 TEST(LL1, CodesGrowWithTheRuleCount)
 {
-    EXPECT_EQ(Ana06LL::PopCode(253), 254);
-    EXPECT_EQ(Ana06LL::AccCode(253), 255);
-    EXPECT_EQ(Ana06LL::PopCode(254), 255);
-    EXPECT_EQ(Ana06LL::AccCode(254), 256);
+    EXPECT_EQ((std::vector<int>{Ana06LL::PopCode(253), Ana06LL::AccCode(253), Ana06LL::PopCode(254), Ana06LL::AccCode(254)}),
+              (std::vector<int>{254, 255, 255, 256}));
     QString text = QStringLiteral("<S>\r\n");
     for (int i = 0; i < 300; ++i)
         text += QStringLiteral("<S>=[t%1]\r\n").arg(i);
     LL ll(text);
     ASSERT_TRUE(ll.verdict);
-    const QString c = Ana06LL(ll.ws).TableDisplay();
-    EXPECT_TRUE(c.contains(QStringLiteral("#define ACC 302 /* ACCEPT CODE */\r\n#define POP 301 /* POP CODE */\r\n")));
+    EXPECT_TRUE(Ana06LL(ll.ws).TableDisplay().contains(
+        QStringLiteral("#define ACC 302 /* ACCEPT CODE */\r\n#define POP 301 /* POP CODE */\r\n")));
 }
 
 /// What the LL(1) table says of a token string, by the table itself: the first
@@ -73,42 +70,35 @@ bool Simulate(const Workspace& ws, const std::vector<int>& input)
     return false;
 }
 
-struct RecognizerCase {
-    const char* name;
-    QString text;
-    int rules, reverse;
-};
-
 TEST(LL1, GeneratedRecognizerAgreesWithTheTable)
 {
     ScopedEnv epoch("SOURCE_DATE_EPOCH", "1700000000");
-    const RecognizerCase cases[] = {
+    const struct {
+        const char* name;
+        QString text;
+        int rules, reverse;
+    } cases[] = {
         {"expr", Lines({"<E>", "<E>=<T><E'>", "<E'>=[+]<T><E'>", "<E'>=", "<T>=<F><T'>", "<T'>=[*]<F><T'>",
-                        "<T'>=", "<F>=[(]<E>[)]", "<F>=[a]"}),
-         1, 0},
+                        "<T'>=", "<F>=[(]<E>[)]", "<F>=[a]"}), 1, 0},
         {"reversed", Lines({"<S>", "<S>=[if]<C>[then]<S><Else>", "<S>=[x]", "<Else>=[else]<S>", "<Else>=",
-                            "<C>=[c]"}),
-         0, 1},
+                            "<C>=[c]"}), 0, 1},
         {"norules", Lines({"<L>", "<L>=[(]<L>[)]<L>", "<L>="}), 0, 0},
         {"json", Lines({"<Value>", "<Value>=<Object>", "<Value>=<Array>", "<Value>=[string]", "<Value>=[number]",
                         "<Object>=[{]<Members>[}]", "<Members>=<Pair><MoreMembers>", "<Members>=",
                         "<MoreMembers>=[,]<Pair><MoreMembers>", "<MoreMembers>=", "<Pair>=[string][:]<Value>",
                         "<Array>=[[]<Elements>[]]", "<Elements>=<Value><MoreElements>", "<Elements>=",
-                        "<MoreElements>=[,]<Value><MoreElements>", "<MoreElements>="}),
-         1, 1},
+                        "<MoreElements>=[,]<Value><MoreElements>", "<MoreElements>="}), 1, 1},
     };
     std::mt19937 rng(5);
-    for (const RecognizerCase& rc : cases) {
+    for (const auto& rc : cases) {
         SCOPED_TRACE(rc.name);
         LL ll(rc.text);
-        ASSERT_TRUE(ll.parsed);
-        ASSERT_TRUE(ll.ws.grammar.GetFlag(GrammarFlag::AnalysedLL));
+        ASSERT_TRUE(ll.verdict);
         ll.ws.settings.generateRecognizer = 1;
         ll.ws.settings.generateRules = rc.rules;
         ll.ws.settings.generateRuleReverse = rc.reverse;
-        const QString tables = Ana06LL(ll.ws).TableDisplay();
         // Without a RULE table the sample get_rule_len has nothing to read: leave it out.
-        QString body = tables;
+        QString body = Ana06LL(ll.ws).TableDisplay();
         if (!rc.rules && !rc.reverse)
             body.replace(QStringLiteral("void get_rule_len() {"), QStringLiteral("void get_rule_len_unused() {"))
                 .replace(QStringLiteral("RULE[rule][count]"), QStringLiteral("0"))

@@ -10,6 +10,7 @@
 #include <QProcess>
 #include <QRegularExpression>
 #include <gtest/gtest.h>
+#include <algorithm>
 #include <cctype>
 #include <map>
 
@@ -17,8 +18,8 @@ namespace {
 
 const QString kCases = QStringLiteral(TRELK_SOURCE_DIR "/tests/golden/cases");
 /// What a case folder holds besides its inputs.
-const QStringList kExpectations = {QStringLiteral("cmd"),   QStringLiteral("stdout"), QStringLiteral("stderr"),
-                                   QStringLiteral("exit"),  QStringLiteral("files"),  QStringLiteral("unchecked")};
+const QStringList kExpectations = {QStringLiteral("cmd"),  QStringLiteral("stdout"), QStringLiteral("stderr"),
+                                   QStringLiteral("exit"), QStringLiteral("files"),  QStringLiteral("unchecked")};
 
 std::vector<std::string> CaseNames()
 {
@@ -111,67 +112,61 @@ TEST_P(Golden, Run)
         out.replace(folder.toUtf8() + '/', "<case>/");
         err.replace(folder.toUtf8() + '/', "<case>/");
     }
-    const QByteArray exit = QByteArray::number(cli.exitCode()) + '\n';
     if (args[0] == QStringLiteral("summary"))
         out = MaskTimes(out);
 
-    // Written: the files that are new or changed, and those the case expects even if unchanged.
+    // Everything a case expects, by its name in the case folder: stdout always,
+    // stderr and exit when they are not empty and 0, and files/ for each file the
+    // run wrote (new or changed, or expected even if unchanged).
+    Files actual{{QStringLiteral("stdout"), out}};
+    if (!err.isEmpty())
+        actual[QStringLiteral("stderr")] = err;
+    if (cli.exitCode() != 0)
+        actual[QStringLiteral("exit")] = QByteArray::number(cli.exitCode()) + '\n';
     const Files after = ReadTree(scratch);
-    const Files expectedFiles = ReadTree(dir + QStringLiteral("/files"));
+    Files expected = ReadTree(dir, {QStringLiteral("cmd"), QStringLiteral("unchecked")});
+    for (const auto& [file, bytes] : inputs)
+        expected.erase(file);
     const QStringList unchecked =
         QString::fromUtf8(FileBytes(dir + QStringLiteral("/unchecked"))).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    Files written;
     for (const auto& [file, bytes] : after) {
         const auto input = inputs.find(file);
-        if ((input == inputs.end() || input->second != bytes || expectedFiles.count(file)) && !unchecked.contains(file))
-            written[file] = bytes;
+        const QString name = QStringLiteral("files/") + file;
+        if ((input == inputs.end() || input->second != bytes || expected.count(name)) && !unchecked.contains(file))
+            actual[name] = bytes;
     }
 
     const bool update = qEnvironmentVariable("TRELK_GOLDEN_UPDATE") == QStringLiteral("1");
-    if (update || !QFile::exists(dir + QStringLiteral("/stdout"))) {
-        ASSERT_TRUE(WriteFileBytes(dir + QStringLiteral("/stdout"), out));
-        QFile::remove(dir + QStringLiteral("/stderr"));
-        if (!err.isEmpty()) {
-            ASSERT_TRUE(WriteFileBytes(dir + QStringLiteral("/stderr"), err));
-        }
-        QFile::remove(dir + QStringLiteral("/exit"));
-        if (exit != "0\n") {
-            ASSERT_TRUE(WriteFileBytes(dir + QStringLiteral("/exit"), exit));
-        }
-        QDir(dir + QStringLiteral("/files")).removeRecursively();
-        for (const auto& [file, bytes] : written)
-            ASSERT_TRUE(WriteFileBytes(dir + QStringLiteral("/files/") + file, bytes));
+    if (update || !expected.count(QStringLiteral("stdout"))) {
+        for (const auto& [name, bytes] : expected)
+            QFile::remove(dir + QLatin1Char('/') + name);
+        for (const auto& [name, bytes] : actual)
+            ASSERT_TRUE(WriteFileBytes(dir + QLatin1Char('/') + name, bytes));
         if (!update)
             FAIL() << "new case: its expected output is written in " << dir.toStdString() << ", review it";
         return;
     }
-
-    ExpectSame("stdout", FileBytes(dir + QStringLiteral("/stdout")), out);
-    ExpectSame("stderr", FileBytes(dir + QStringLiteral("/stderr")), err);
-    const QByteArray expectedExit = FileBytes(dir + QStringLiteral("/exit"));
-    ExpectSame("exit status", expectedExit.isEmpty() ? QByteArray("0\n") : expectedExit, exit);
-    for (const auto& [file, bytes] : written) {
-        const auto expected = expectedFiles.find(file);
-        if (expected == expectedFiles.end())
-            ADD_FAILURE() << "wrote a file the case does not expect: " << file.toStdString();
+    Files all = expected;
+    all.insert(actual.begin(), actual.end());
+    for (const auto& [name, unused] : all) {
+        const std::string what = name.toStdString();
+        if (name.startsWith(QStringLiteral("files/")) && !actual.count(name))
+            ADD_FAILURE() << "did not write " << what;
+        else if (name.startsWith(QStringLiteral("files/")) && !expected.count(name))
+            ADD_FAILURE() << "wrote a file the case does not expect: " << what;
         else
-            ExpectSame("file " + file.toStdString(), expected->second, bytes);
+            ExpectSame(what, expected[name], actual[name]);  // a missing stderr or exit is empty
     }
-    for (const auto& [file, bytes] : expectedFiles)
-        EXPECT_TRUE(after.count(file)) << "did not write " << file.toStdString();
     for (const QString& file : unchecked)
         EXPECT_TRUE(after.count(file)) << "did not write " << file.toStdString();
     for (const auto& [file, bytes] : inputs)
         EXPECT_TRUE(after.count(file)) << "removed the input " << file.toStdString();
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, Golden, ::testing::ValuesIn(CaseNames()),
-                         [](const ::testing::TestParamInfo<std::string>& info) {
-                             std::string name = info.param;
-                             for (char& c : name)
-                                 if (!std::isalnum(static_cast<unsigned char>(c)))
-                                     c = '_';
-                             return name;
-                         });
+INSTANTIATE_TEST_SUITE_P(Cases, Golden, ::testing::ValuesIn(CaseNames()), [](const auto& info) {
+    std::string name = info.param;
+    std::replace_if(name.begin(), name.end(), [](unsigned char c) { return !std::isalnum(c); }, '_');
+    return name;
+});
 
 } // namespace

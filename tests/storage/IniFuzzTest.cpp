@@ -19,6 +19,11 @@ const QByteArray kValidFile = "; TRELK\r\n[Main]\r\nLeft=120\r\nTop=80.5\r\nInit
                               "SyntaxType=stack_t\r\nTokenType=\"int\"\r\nTokenPrefix=T_\r\nMaxCycle=10000\r\n"
                               "CellWidth=1\r\nPUseQ=1\r\nPSignLT=-2\r\nPSignEQ=-1\r\nPSignGT=1\r\n[Other]\r\nA=1\r\n";
 
+int Pick(std::mt19937& rng, int from, int to)
+{
+    return std::uniform_int_distribution<int>(from, to)(rng);
+}
+
 /// Random bytes from the pieces INI files are made of, with bytes that are
 /// invalid UTF-8 or control characters now and then. No piece holds "Z" or
 /// "q", so the probe section of Check is never in the input.
@@ -28,16 +33,11 @@ QByteArray RandomPieces(std::mt19937& rng, int most)
         "[Main]", "[main]", "[Other]", "[", "]", "=", "\r\n", "\n", "\r", ";", " ", "\t", "CellWidth", "MaxCycle",
         "PSignLT", "PUseQ", "Left", "Top", "InitDir", "TokenType", "1", "-3", "2.5", "1e3", "abc", "\"", "'",
         "\xEF\xBB\xBF", "\xE0\xEF", "\xD0\xB0", "/", "\\"};
-    const int count = std::uniform_int_distribution<int>(0, most)(rng);
+    const int n = int(std::size(pieces));
     QByteArray text;
-    for (int i = 0; i < count; ++i) {
-        const int pick = std::uniform_int_distribution<int>(0, int(std::size(pieces)) + 3)(rng);
-        if (pick < int(std::size(pieces)))
-            text += pieces[pick];
-        else if (pick == int(std::size(pieces)))
-            text += char(std::uniform_int_distribution<int>(0, 8)(rng));
-        else
-            text += char(std::uniform_int_distribution<int>(0x80, 0xFF)(rng));
+    for (int i = Pick(rng, 0, most); i > 0; --i) {
+        const int pick = Pick(rng, 0, n + 3);
+        text += pick < n ? QByteArray(pieces[pick]) : QByteArray(1, char(pick == n ? Pick(rng, 0, 8) : Pick(rng, 0x80, 0xFF)));
     }
     return text;
 }
@@ -46,36 +46,25 @@ QByteArray RandomPieces(std::mt19937& rng, int most)
 /// (so that section "Main" and its keys do turn up), sometimes a soup of pieces.
 QByteArray RandomText(std::mt19937& rng)
 {
-    if (std::uniform_int_distribution<int>(0, 3)(rng) == 0)
+    if (Pick(rng, 0, 3) == 0)
         return RandomPieces(rng, 40);
     static const char* const keys[] = {"CellWidth", "maxcycle", "PSignEQ", "PUseQ", "Left", "Top", "SaveDir",
                                        "TokenPrefix", "GenerateRules", "Other"};
     static const char* const ends[] = {"\r\n", "\n", "\r\n", "\r"};
     QByteArray text;
-    const int lines = std::uniform_int_distribution<int>(0, 12)(rng);
-    for (int i = 0; i < lines; ++i) {
-        switch (std::uniform_int_distribution<int>(0, 5)(rng)) {
-        case 0:
-            text += std::uniform_int_distribution<int>(0, 2)(rng) ? "[Main]" : "[ main ]";
-            break;
-        case 1:
+    for (int i = Pick(rng, 0, 12); i > 0; --i) {
+        const int kind = Pick(rng, 0, 5);
+        if (kind == 0)
+            text += Pick(rng, 0, 2) ? "[Main]" : "[ main ]";
+        else if (kind == 1)
             text += "[" + RandomPieces(rng, 2) + "]";
-            break;
-        case 2:
+        else if (kind == 2)
             text += "; " + RandomPieces(rng, 4);
-            break;
-        default:
-            text += keys[std::uniform_int_distribution<int>(0, int(std::size(keys)) - 1)(rng)];
-            text += RandomPieces(rng, 1) + "=" + RandomPieces(rng, 3);
-        }
-        text += ends[std::uniform_int_distribution<int>(0, 3)(rng)];
+        else
+            text += keys[Pick(rng, 0, int(std::size(keys)) - 1)] + RandomPieces(rng, 1) + "=" + RandomPieces(rng, 3);
+        text += ends[Pick(rng, 0, 3)];
     }
     return text;
-}
-
-QList<QByteArray> SplitLines(const QByteArray& bytes)
-{
-    return bytes.split('\n');
 }
 
 /// Reads text as settings, then checks that a write touches only its own lines.
@@ -111,7 +100,7 @@ bool Check(const QString& path, const QByteArray& text, const std::string& what)
     IniFile ini2(path);
     EXPECT_TRUE(ini2.SetValue(QStringLiteral("Main"), QStringLiteral("CellWidth"), QStringLiteral("7")));
     const QByteArray written = ini2.Bytes();
-    const QList<QByteArray> before = SplitLines(text), after = SplitLines(written);
+    const QList<QByteArray> before = text.split('\n'), after = written.split('\n');
     qsizetype head = 0, tail = 0;
     while (head < before.size() && head < after.size() && before[head] == after[head])
         ++head;
@@ -129,7 +118,7 @@ bool Check(const QString& path, const QByteArray& text, const std::string& what)
 
 TEST(IniFuzz, RandomTextsReadOrGiveTheMessageAndWritesKeepOtherBytes)
 {
-    const QString path = ScratchDir(QStringLiteral("ini-fuzz-random")) + QStringLiteral("/TRELK.ini");
+    const QString path = ScratchIni(QStringLiteral("ini-fuzz-random"));
     std::mt19937 rng(20160101);
     int read = 0, refused = 0;
     for (int i = 0; i < 2500 && !HasFailure(); ++i) {
@@ -146,7 +135,7 @@ TEST(IniFuzz, RandomTextsReadOrGiveTheMessageAndWritesKeepOtherBytes)
 
 TEST(IniFuzz, TruncatedAndMutatedSettingsFiles)
 {
-    const QString path = ScratchDir(QStringLiteral("ini-fuzz-cut")) + QStringLiteral("/TRELK.ini");
+    const QString path = ScratchIni(QStringLiteral("ini-fuzz-cut"));
     for (qsizetype n = 0; n <= kValidFile.size() && !HasFailure(); ++n) {
         // A cut inside a value may leave "Left=" or "PSignLT=-"; whole lines always read.
         const QByteArray text = kValidFile.left(n);
@@ -159,11 +148,9 @@ TEST(IniFuzz, TruncatedAndMutatedSettingsFiles)
     int refused = 0;
     for (int i = 0; i < 600 && !HasFailure(); ++i) {
         QByteArray text = kValidFile;
-        const int changes = std::uniform_int_distribution<int>(1, 4)(rng);
-        for (int c = 0; c < changes; ++c) {
+        for (int c = Pick(rng, 1, 4); c > 0; --c) {
             const auto at = std::uniform_int_distribution<qsizetype>(0, text.size() - 1)(rng);
-            const auto length = std::min<qsizetype>(std::uniform_int_distribution<int>(0, 3)(rng), text.size() - at);
-            text.replace(at, length, RandomPieces(rng, 3));
+            text.replace(at, std::min<qsizetype>(Pick(rng, 0, 3), text.size() - at), RandomPieces(rng, 3));
         }
         refused += !Check(path, text, "mutation #" + std::to_string(i) + ": " + text.toPercentEncoding().toStdString());
     }

@@ -12,15 +12,6 @@
 
 namespace {
 
-QString Scratch(const QString& name, const QByteArray& bytes)
-{
-    const QString path = ScratchDir(QStringLiteral("settings-") + name) + QStringLiteral("/TRELK.ini");
-    if (!bytes.isNull()) {
-        EXPECT_TRUE(WriteFileBytes(path, bytes));
-    }
-    return path;
-}
-
 PINI Ini(const QString& path)
 {
     PINI ini;
@@ -38,17 +29,15 @@ const QString kProgram = Native(QStringLiteral("|opt|trelk|"));
 
 TEST(Folders, NormaliseFolder)
 {
-    EXPECT_EQ(NormaliseFolder(QString()), QString());
-    EXPECT_EQ(NormaliseFolder(QStringLiteral("C:/work")), Native(QStringLiteral("C:|work|")));
-    EXPECT_EQ(NormaliseFolder(QStringLiteral("C:\\work\\")), Native(QStringLiteral("C:|work|")));
-    EXPECT_EQ(NormaliseFolder(QStringLiteral("a/b\\c")), Native(QStringLiteral("a|b|c|")));
-    EXPECT_EQ(NormaliseFolder(QStringLiteral("/")), Native(QStringLiteral("|")));
-    EXPECT_EQ(NormaliseFolder(QStringLiteral("x//")), Native(QStringLiteral("x||")));
+    const char* const folders[][2] = {{"", ""},        {"C:/work", "C:|work|"}, {"C:\\work\\", "C:|work|"},
+                                      {"a/b\\c", "a|b|c|"}, {"/", "|"},            {"x//", "x||"}};
+    for (const auto& [folder, normal] : folders)
+        EXPECT_EQ(NormaliseFolder(QString::fromUtf8(folder)), Native(QString::fromUtf8(normal))) << folder;
 }
 
 TEST(Settings, DefaultsWithoutAFileAndEveryKeyButTokenTypeWrittenAtClose)
 {
-    const QString path = Scratch(QStringLiteral("none"), QByteArray());
+    const QString path = ScratchIni(QStringLiteral("settings-none"), QByteArray());
     Settings s;
     s.quoteMark = QStringLiteral("stale");
     QString error;
@@ -76,7 +65,7 @@ TEST(Settings, RoundTripKeepsEverythingElseAndRaisesCellWidth)
     const QByteArray original = "; written by hand\r\n[Window]\r\nLeft=5\r\n\r\n[main]\r\ncellwidth=1\r\n"
                                 "TokenType=int\r\n; keep this\r\nLeft = 10.5\r\nInitDir=C:/work\r\nSaveDir=\r\n"
                                 "FilePath=/old/g.tkg\r\nPUseQ=0\r\nPSignGT= -32768 \r\nCustom=yes\r\n[Tail]\r\nX=1\r\n";
-    const QString path = Scratch(QStringLiteral("roundtrip"), original);
+    const QString path = ScratchIni(QStringLiteral("settings-roundtrip"), original);
     Settings s;
     QString error;
     ASSERT_TRUE(ReadSettings(Ini(path), s, kProgram, error)) << error.toStdString();
@@ -108,33 +97,16 @@ TEST(Settings, RoundTripKeepsEverythingElseAndRaisesCellWidth)
                                     "MaxCycle=10000\r\nPSignLT=-2\r\nPSignEQ=-1\r\n[Tail]\r\nX=1\r\n")));
 }
 
-TEST(Settings, ANumericKeyThatHoldsNoNumberEndsTheReading)
+TEST(Settings, NothingIsTakenFromARefusedFile)
 {
-    const QString path = Scratch(QStringLiteral("bad"), "[Main]\r\nCellWidth=7\r\nMaxCycle=abc\r\nPUseQ=x\r\n");
+    // The messages are golden cases (ini-not-a-number, ini-out-of-range, ini-window-*).
+    const QString path = ScratchIni(QStringLiteral("settings-bad"), "[Main]\r\nCellWidth=7\r\nMaxCycle=abc\r\nPUseQ=x\r\n");
     Settings s;
     s.cellWidth = 42;
     QString error;
     EXPECT_FALSE(ReadSettings(Ini(path), s, kProgram, error));
-    EXPECT_EQ(error, QStringLiteral("Settings file ") + QDir::toNativeSeparators(path)
-                         + QStringLiteral(": key \"MaxCycle\" in section \"Main\" holds \"abc\", which is not a number."));
-    EXPECT_EQ(s.cellWidth, 42);  // nothing is taken from a file that is refused
-
-    const QString range = Scratch(QStringLiteral("range"), "[Main]\r\nPSignEQ=40000\r\n");
-    EXPECT_FALSE(ReadSettings(Ini(range), s, kProgram, error));
-    EXPECT_TRUE(error.endsWith(QStringLiteral("key \"PSignEQ\" in section \"Main\" holds \"40000\", "
-                                              "which is out of range (-32768 to 32767).")))
-        << error.toStdString();
-
-    const QString empty = Scratch(QStringLiteral("empty"), "[Main]\r\nGenerateRules=\r\n");
-    EXPECT_FALSE(ReadSettings(Ini(empty), s, kProgram, error));
-    EXPECT_TRUE(error.endsWith(QStringLiteral("holds \"\", which is not a number."))) << error.toStdString();
-
-    const QString top = Scratch(QStringLiteral("top"), "[Main]\r\nLeft=1\r\nTop=1e40\r\n");
-    ASSERT_TRUE(ReadSettings(Ini(top), s, kProgram, error));
-    EXPECT_FALSE(ReadWindowPosition(Ini(top), s, 0, 0, error));
-    EXPECT_TRUE(error.endsWith(QStringLiteral("key \"Top\" in section \"Main\" holds \"1e40\", "
-                                              "which is out of range for a single-precision number.")))
-        << error.toStdString();
+    EXPECT_TRUE(error.startsWith(QStringLiteral("Settings file ") + QDir::toNativeSeparators(path) + QStringLiteral(": ")));
+    EXPECT_EQ(s.cellWidth, 42);
 }
 
 TEST(Settings, NumberConversion)
@@ -174,7 +146,7 @@ TEST(Settings, NumberConversion)
 
 TEST(PINI, ReadLongWriteLongAndTheApplicationName)
 {
-    const QString path = Scratch(QStringLiteral("pini"), QByteArray());
+    const QString path = ScratchIni(QStringLiteral("settings-pini"), QByteArray());
     const PINI ini = Ini(path);
     EXPECT_EQ(ini.File(), path);
     EXPECT_EQ(ini.ReadLong(QStringLiteral("Main"), QStringLiteral("Absent"), 17), 17);

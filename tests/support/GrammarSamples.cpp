@@ -16,49 +16,41 @@ QString Lines(std::initializer_list<const char*> lines)
 
 std::vector<std::vector<int>> RandomSentences(const Grammar& g, int count, std::mt19937& rng)
 {
-    // The shortest terminal yield of each symbol, to end derivations.
-    const std::size_t codes = static_cast<std::size_t>(g.lastCode) + 1;
-    const int infinite = 1 << 28;
-    std::vector<int> shortest(codes, infinite);
-    std::vector<int> bestRule(codes, 0);
-    for (int c = 1; c < g.firstNonterminal; ++c)
-        shortest[static_cast<std::size_t>(c)] = 1;
+    const auto at = [](int code) { return static_cast<std::size_t>(code); };
+    // The shortest terminal yield of each symbol and its rule, to end derivations.
+    std::vector<long> shortest(at(g.lastCode) + 1, 1L << 28);
+    std::vector<int> bestRule(at(g.lastCode) + 1, 0);
+    std::vector<std::vector<int>> rulesOf(at(g.lastCode) + 1);
+    std::fill(shortest.begin(), shortest.begin() + g.firstNonterminal, 1);
+    for (int r = 1; r <= g.ruleCount; ++r)
+        rulesOf[at(g.rules[at(r)][0])].push_back(r);
     for (bool changed = true; changed;) {
         changed = false;
         for (int r = 1; r <= g.ruleCount; ++r) {
-            const std::vector<int>& rule = g.rules[static_cast<std::size_t>(r)];
+            const std::vector<int>& rule = g.rules[at(r)];
             long length = 0;
             for (std::size_t i = 1; i < rule.size(); ++i)
-                length += rule[i] == 0 ? 0 : shortest[static_cast<std::size_t>(rule[i])];
-            const std::size_t a = static_cast<std::size_t>(rule[0]);
-            if (length < shortest[a]) {
-                shortest[a] = static_cast<int>(length);
-                bestRule[a] = r;
+                length += rule[i] == 0 ? 0 : shortest[at(rule[i])];
+            if (length < shortest[at(rule[0])]) {
+                shortest[at(rule[0])] = length;
+                bestRule[at(rule[0])] = r;
                 changed = true;
             }
         }
     }
-    std::vector<std::vector<int>> rulesOf(codes);
-    for (int r = 1; r <= g.ruleCount; ++r)
-        rulesOf[static_cast<std::size_t>(g.rules[static_cast<std::size_t>(r)][0])].push_back(r);
-
     std::vector<std::vector<int>> sentences;
     for (int k = 0; k < count; ++k) {
         std::vector<int> out;
         std::vector<std::pair<int, int>> stack{{g.goal, 0}};  // symbol, depth
         while (!stack.empty() && out.size() < 200) {
-            auto [x, depth] = stack.back();
+            const auto [x, depth] = stack.back();
             stack.pop_back();
-            if (x == 0)
-                continue;
-            if (!g.IsNonterminal(x)) {
+            if (x != 0 && !g.IsNonterminal(x))
                 out.push_back(x);
+            if (x == 0 || !g.IsNonterminal(x))
                 continue;
-            }
-            const std::vector<int>& choices = rulesOf[static_cast<std::size_t>(x)];
-            const int r = depth > 6 ? bestRule[static_cast<std::size_t>(x)]
-                                    : choices[rng() % choices.size()];
-            const std::vector<int>& rule = g.rules[static_cast<std::size_t>(r)];
+            const std::vector<int>& choices = rulesOf[at(x)];
+            const std::vector<int>& rule = g.rules[at(depth > 6 ? bestRule[at(x)] : choices[rng() % choices.size()])];
             for (std::size_t i = rule.size() - 1; i >= 1; --i)
                 stack.push_back({rule[i], depth + 1});
         }
@@ -88,23 +80,15 @@ std::vector<std::vector<int>> Mutations(const Grammar& g, const std::vector<std:
 
 QString CompileC(const QString& name, const QString& source, QString& errors)
 {
-    const QString dir = ScratchDir(QStringLiteral("c-") + name);
-    const QString file = dir + QStringLiteral("/") + name + QStringLiteral(".c");
-    QFile f(file);
-    if (!f.open(QIODevice::WriteOnly))
+    const QString exe = ScratchDir(QStringLiteral("c-") + name) + QLatin1Char('/') + name;
+    if (!WriteFileBytes(exe + QStringLiteral(".c"), source.toUtf8()))
         return QString();
-    f.write(source.toUtf8());
-    f.close();
-    const QString exe = dir + QStringLiteral("/") + name;
     QProcess gcc;
     gcc.start(QStringLiteral("gcc"), {QStringLiteral("-std=c99"), QStringLiteral("-Wall"), QStringLiteral("-O1"),
-                                      QStringLiteral("-o"), exe, file});
-    if (!gcc.waitForFinished(120000) || gcc.exitCode() != 0) {
-        errors = QString::fromUtf8(gcc.readAllStandardError());
-        return QString();
-    }
+                                      QStringLiteral("-o"), exe, exe + QStringLiteral(".c")});
+    const bool built = gcc.waitForFinished(120000) && gcc.exitCode() == 0;
     errors = QString::fromUtf8(gcc.readAllStandardError());
-    return exe;
+    return built ? exe : QString();
 }
 
 QString RunProgram(const QString& program, const QString& input)

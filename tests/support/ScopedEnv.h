@@ -6,35 +6,24 @@
 
 #include <QByteArray>
 #include <QtGlobal>
+#include <optional>
 
 class ScopedEnv {
 public:
-    /// Sets name to value.
-    ScopedEnv(const char* name, const QByteArray& value)
-        : ScopedEnv(name)
-    {
-        qputenv(m_name, value);
-    }
-    /// Unsets name.
-    explicit ScopedEnv(const char* name)
+    /// Sets name to value, or unsets it without one.
+    explicit ScopedEnv(const char* name, const std::optional<QByteArray>& value = std::nullopt)
         : m_name(name)
-        , m_wasSet(qEnvironmentVariableIsSet(name))
-        , m_old(qgetenv(name))
+        , m_old(qEnvironmentVariableIsSet(name) ? std::optional<QByteArray>(qgetenv(name)) : std::nullopt)
     {
-        qunsetenv(name);
+        Set(value);
     }
-    ~ScopedEnv()
-    {
-        if (m_wasSet)
-            qputenv(m_name, m_old);
-        else
-            qunsetenv(m_name);
-    }
+    ~ScopedEnv() { Set(m_old); }
     ScopedEnv(const ScopedEnv&) = delete;
     ScopedEnv& operator=(const ScopedEnv&) = delete;
 
 private:
+    void Set(const std::optional<QByteArray>& value) { value ? qputenv(m_name, *value) : qunsetenv(m_name); }
+
     const char* m_name;
-    bool m_wasSet;
-    QByteArray m_old;
+    std::optional<QByteArray> m_old;
 };

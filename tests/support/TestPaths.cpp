@@ -62,6 +62,13 @@ QString ScratchDir(const QString& name)
     return path;
 }
 
+QString ScratchIni(const QString& name, const QByteArray& bytes)
+{
+    const QString path = ScratchDir(name) + QStringLiteral("/TRELK.ini");
+    EXPECT_TRUE(bytes.isNull() || WriteFileBytes(path, bytes));
+    return path;
+}
+
 CliRun Cli(const QStringList& args)
 {
     QProcess p;

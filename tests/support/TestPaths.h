@@ -22,6 +22,8 @@ QByteArray FileBytes(const QString& path);
 bool WriteFileBytes(const QString& path, const QByteArray& bytes);
 /// A fresh folder under the build tree, removed at the start of each run.
 QString ScratchDir(const QString& name);
+/// TRELK.ini in the fresh scratch folder name, holding bytes unless they are null.
+QString ScratchIni(const QString& name, const QByteArray& bytes = QByteArray());
 
 /// What a run of trelk-cli gave: the exit status (-1 for a crash) and its output.
 struct CliRun {

@@ -17,26 +17,30 @@
 
 namespace {
 
+QStringList Texts(const QListWidget* list)
+{
+    QStringList texts;
+    for (int i = 0; i < list->count(); ++i)
+        texts << list->item(i)->text();
+    return texts;
+}
+
 TEST(Dialogs, OptionsChangeSettingsAtOnce)
 {
     Settings settings;
     settings.displayAllItems = 1;
     frmSetts dialog(settings);
-    EXPECT_TRUE(dialog.chkRules[0]->isChecked());
-    EXPECT_FALSE(dialog.chkRules[1]->isChecked());
-    EXPECT_TRUE(dialog.chkRules[2]->isChecked());
-    EXPECT_FALSE(dialog.chkRules[3]->isChecked());
-    EXPECT_TRUE(dialog.chkItems->isChecked());
-    // Setting the boxes from the settings changes nothing.
-    EXPECT_EQ(settings.generateRules, 1);
+    const QList<bool> shown{dialog.chkRules[0]->isChecked(), dialog.chkRules[1]->isChecked(),
+                            dialog.chkRules[2]->isChecked(), dialog.chkRules[3]->isChecked(), dialog.chkItems->isChecked()};
+    EXPECT_EQ(shown, (QList<bool>{true, false, true, false, true}));
+    EXPECT_EQ(settings.generateRules, 1);  // setting the boxes from the settings changes nothing
     dialog.chkRules[0]->click();
-    EXPECT_EQ(settings.generateRules, 0);
     dialog.chkRules[3]->click();
-    EXPECT_EQ(settings.generateRecognizer, 1);
     dialog.chkLetters->click();
-    EXPECT_EQ(settings.lfLetters, 1);
     dialog.chkItems->click();
-    EXPECT_EQ(settings.displayAllItems, 0);
+    const QList<int> changed{settings.generateRules, settings.generateRecognizer, settings.lfLetters,
+                             settings.displayAllItems};
+    EXPECT_EQ(changed, (QList<int>{0, 1, 1, 0}));
     QSignalSpy accepted(&dialog, &QDialog::accepted);
     dialog.cmdOK->click();
     EXPECT_EQ(accepted.count(), 1);
@@ -45,32 +49,26 @@ TEST(Dialogs, OptionsChangeSettingsAtOnce)
 
 TEST(Dialogs, StatisticsFiguresAndFeatureLists)
 {
-    Workspace ws;
-    RecordingFrontend fe(Lines({"<S>", "<S>=<S><A>[x]", "<S>=<A>", "<A>=", "<A>=[y]", "<B>=<A>"}));
-    ASSERT_TRUE(AnalyzeGrammar(ws, fe));
-    frmStat dialog(ws.grammar);
-    EXPECT_EQ(dialog.lblRules->text(), QStringLiteral("5"));
-    EXPECT_EQ(dialog.lblTokens->text(), QStringLiteral("2"));
-    EXPECT_EQ(dialog.lblSymbols->text(), QStringLiteral("5"));
-    EXPECT_EQ(dialog.lblEmptyRules->text(), QStringLiteral("1"));
-    ASSERT_EQ(dialog.List1->count(), 2);
-    EXPECT_EQ(dialog.List1->item(0)->text(), QStringLiteral("Nullable Symbols"));
-    EXPECT_EQ(dialog.List1->item(1)->text(), QStringLiteral("Left Recursive Symbols"));
-    dialog.List1->setCurrentRow(0);
-    QStringList nullable;
-    for (int i = 0; i < dialog.List2->count(); ++i)
-        nullable << dialog.List2->item(i)->text();
-    EXPECT_EQ(nullable, (QStringList{QStringLiteral("<S>"), QStringLiteral("<A>"), QStringLiteral("<B>")}));
-    dialog.List1->setCurrentRow(1);
-    ASSERT_EQ(dialog.List2->count(), 1);
-    EXPECT_EQ(dialog.List2->item(0)->text(), QStringLiteral("<S>"));
-
-    Workspace plain;
-    RecordingFrontend fe2(Lines({"<S>", "<S>=[a]"}));
-    ASSERT_TRUE(AnalyzeGrammar(plain, fe2));
-    frmStat none(plain.grammar);
-    none.List1->setCurrentRow(0);
-    EXPECT_EQ(none.List2->count(), 0);
+    for (const bool features : {true, false}) {
+        Workspace ws;
+        RecordingFrontend fe(features ? Lines({"<S>", "<S>=<S><A>[x]", "<S>=<A>", "<A>=", "<A>=[y]", "<B>=<A>"})
+                                      : Lines({"<S>", "<S>=[a]"}));
+        ASSERT_TRUE(AnalyzeGrammar(ws, fe));
+        frmStat dialog(ws.grammar);
+        dialog.List1->setCurrentRow(0);
+        if (!features) {
+            EXPECT_EQ(dialog.List2->count(), 0);
+            continue;
+        }
+        EXPECT_EQ((QStringList{dialog.lblRules->text(), dialog.lblTokens->text(), dialog.lblSymbols->text(),
+                               dialog.lblEmptyRules->text()}),
+                  (QStringList{QStringLiteral("5"), QStringLiteral("2"), QStringLiteral("5"), QStringLiteral("1")}));
+        EXPECT_EQ(Texts(dialog.List1),
+                  (QStringList{QStringLiteral("Nullable Symbols"), QStringLiteral("Left Recursive Symbols")}));
+        EXPECT_EQ(Texts(dialog.List2), (QStringList{QStringLiteral("<S>"), QStringLiteral("<A>"), QStringLiteral("<B>")}));
+        dialog.List1->setCurrentRow(1);
+        EXPECT_EQ(Texts(dialog.List2), QStringList{QStringLiteral("<S>")});
+    }
 }
 
 TEST(Dialogs, RenameGrammarTakesOnlyItsCharacters)

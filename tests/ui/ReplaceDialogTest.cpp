@@ -17,9 +17,8 @@ TEST(ReplaceDialog, RenamesTheSelectedSymbol)
     Grammar g(&host);
     ASSERT_TRUE(g.SetText(Lines({"<E>", "<E>=<E>[+]<T>", "<E>=<T>", "<T>=[a]"})));
     frmReplace dialog(g);
-    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Rename"));
-    EXPECT_EQ(dialog.cmdReplace->text(), QStringLiteral("&Rename"));
-    EXPECT_EQ(dialog.cmdClose->text(), QStringLiteral("&Close"));
+    EXPECT_EQ((QStringList{dialog.windowTitle(), dialog.cmdReplace->text(), dialog.cmdClose->text()}),
+              (QStringList{QStringLiteral("Rename"), QStringLiteral("&Rename"), QStringLiteral("&Close")}));
     ASSERT_EQ(dialog.List1->count(), 4);
     EXPECT_EQ(dialog.List1->item(3)->text(), QStringLiteral("T"));
 
