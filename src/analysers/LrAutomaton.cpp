@@ -1,9 +1,8 @@
 /// \file
-/// LR(0) and canonical LR(1) automata, the pass frame, and LALR(1) look-aheads.
+/// LR(0) and canonical LR(1) automata, and the pass frame.
 #include "analysers/LrAutomaton.h"
 
 #include "model/Texts.h"
-#include "grammar/Digraph.h"
 
 #include <algorithm>
 #include <unordered_map>
@@ -278,101 +277,6 @@ bool BuildLr0(const LrGrammar& lg, PassFrame& frame, Lr0Automaton& a)
         touched.clear();
     };
     return frame.Run(expand, [&] { return static_cast<int>(a.kernels.size()); });
-}
-
-// ---- LALR(1) look-aheads -------------------------------------------------------
-
-bool ComputeLalrLookaheads(const LrGrammar& lg, const Lr0Automaton& a, Model& model, IAnazer& analyser,
-                           ReduceLookaheads& result)
-{
-    const Grammar& g = lg.g;
-    const LrItems& items = lg.items;
-    const int states = static_cast<int>(a.kernels.size());
-    const int t = g.terminalCount;
-
-    // The non-terminal transitions (p, A), numbered; by state, their first number.
-    std::vector<int> from, symbol;
-    std::vector<int> start(static_cast<std::size_t>(states) + 1, 0);
-    for (int p = 0; p < states; ++p) {
-        start[static_cast<std::size_t>(p)] = static_cast<int>(from.size());
-        for (const auto& [x, target] : a.rows[static_cast<std::size_t>(p)])
-            if (x >= g.firstNonterminal) {
-                from.push_back(p);
-                symbol.push_back(x);
-            }
-    }
-    start[static_cast<std::size_t>(states)] = static_cast<int>(from.size());
-    const int transitions = static_cast<int>(from.size());
-    auto transition = [&](int p, int x) {
-        const auto b = symbol.begin() + start[static_cast<std::size_t>(p)];
-        const auto e = symbol.begin() + start[static_cast<std::size_t>(p) + 1];
-        return static_cast<int>(std::lower_bound(b, e, x) - symbol.begin());
-    };
-
-    // DR(p, A): the terminals shifted from the state that (p, A) leads to; the end
-    // marker is read after the goal from state 0, where the parse accepts.
-    // reads: (p, A) reads (r, C) when p --A--> r --C--> and C is nullable.
-    std::vector<TerminalSet> sets(static_cast<std::size_t>(transitions), TerminalSet(t));
-    std::vector<std::vector<int>> reads(static_cast<std::size_t>(transitions));
-    for (int x = 0; x < transitions; ++x) {
-        const int r = RowEntry(a.rows[static_cast<std::size_t>(from[static_cast<std::size_t>(x)])],
-                               symbol[static_cast<std::size_t>(x)]);
-        TerminalSet& dr = sets[static_cast<std::size_t>(x)];
-        if (from[static_cast<std::size_t>(x)] == 0 && symbol[static_cast<std::size_t>(x)] == g.goal)
-            dr.Add(0);
-        for (const auto& [c, target] : a.rows[static_cast<std::size_t>(r)]) {
-            if (c <= t)
-                dr.Add(c);
-            else if (g.nullable[static_cast<std::size_t>(c)])
-                reads[static_cast<std::size_t>(x)].push_back(transition(r, c));
-        }
-    }
-    auto tick = [&] {
-        model.host().yield();
-        return analyser.InProcess();
-    };
-    if (!Digraph(0, transitions - 1, [&](int x) -> const std::vector<int>& { return reads[static_cast<std::size_t>(x)]; },
-                 sets, tick))
-        return false;
-
-    // includes: (p', B) includes (p, A) when A -> beta B gamma, gamma nullable and
-    // p --beta--> p'. lookback: (q, A -> omega) looks back to (p, A) when p --omega--> q.
-    // [DeRemer & Pennello 1982, section 4.] Walking every rule of A from p gives both.
-    std::vector<std::vector<int>> includes(static_cast<std::size_t>(transitions));
-    std::unordered_map<std::uint64_t, std::vector<int>> lookback;  // key: state * (R + 1) + rule
-    const std::uint64_t rules = static_cast<std::uint64_t>(g.ruleCount) + 1;
-    for (int x = 0; x < transitions; ++x) {
-        const int p = from[static_cast<std::size_t>(x)];
-        for (int r : items.RulesOf(symbol[static_cast<std::size_t>(x)])) {
-            int q = p;
-            for (int d = 0; d < items.Length(r); ++d) {
-                const int item = items.Item(r, d);
-                const int y = items.Next(item);
-                if (g.IsNonterminal(y) && lg.tailNullable[static_cast<std::size_t>(item)])
-                    includes[static_cast<std::size_t>(transition(q, y))].push_back(x);
-                q = RowEntry(a.rows[static_cast<std::size_t>(q)], y);
-            }
-            lookback[static_cast<std::uint64_t>(q) * rules + static_cast<std::uint64_t>(r)].push_back(x);
-        }
-    }
-    if (!Digraph(0, transitions - 1,
-                 [&](int x) -> const std::vector<int>& { return includes[static_cast<std::size_t>(x)]; }, sets, tick))
-        return false;
-
-    // LA(q, A -> omega): the union of Follow over the lookbacks.
-    result.assign(static_cast<std::size_t>(states), {});
-    for (int q = 0; q < states; ++q) {
-        for (int item : lg.CompleteItems(a.kernels[static_cast<std::size_t>(q)])) {
-            const int r = items.Rule(item);
-            TerminalSet la(t);
-            auto it = lookback.find(static_cast<std::uint64_t>(q) * rules + static_cast<std::uint64_t>(r));
-            if (it != lookback.end())
-                for (int x : it->second)
-                    la.Merge(sets[static_cast<std::size_t>(x)]);
-            result[static_cast<std::size_t>(q)].emplace_back(r, std::move(la));
-        }
-    }
-    return true;
 }
 
 // ---- Canonical LR(1) -----------------------------------------------------------

@@ -1,8 +1,8 @@
 /// \file
 /// The automata of the LR analysers: the LR(0) automaton (SLR(1) and LALR(1)
-/// stand on it), DeRemer and Pennello's LALR(1) look-aheads, and the canonical
-/// LR(1) automaton of Knuth. All three are built state by state in passes: the
-/// pass frame shows progress, enforces the state and pass limits, and gives
+/// stand on it; its LALR(1) look-aheads are in LalrLookaheads.h) and the
+/// canonical LR(1) automaton of Knuth. Both are built state by state in passes:
+/// the pass frame shows progress, enforces the state and pass limits, and gives
 /// the message loop a turn once per pass.
 #pragma once
 
@@ -120,13 +120,6 @@ private:
 
 /// Builds the LR(0) automaton through the pass frame. False after Stop or a limit.
 bool BuildLr0(const LrGrammar& lg, PassFrame& frame, Lr0Automaton& automaton);
-
-/// LALR(1) look-aheads of every reduce of an LR(0) automaton, by DeRemer and
-/// Pennello's relations. Result: by state, the pairs (rule, look-ahead set) of
-/// its complete items, in the order of CompleteItems. False when stopped.
-using ReduceLookaheads = std::vector<std::vector<std::pair<int, TerminalSet>>>;
-bool ComputeLalrLookaheads(const LrGrammar& lg, const Lr0Automaton& automaton, Model& model,
-                           IAnazer& analyser, ReduceLookaheads& result);
 
 /// The closure of an LR(1) kernel: its non-terminals, each with one look-ahead
 /// set that all its items share (seeded by the kernel items, then spread along
