@@ -50,12 +50,12 @@ struct Turn {
 
 Transitions NumberTransitions(const Grammar& g, const Lr0Automaton& a)
 {
-    const int states = static_cast<int>(a.kernels.size());
+    const int states = a.kernels.size();
     Transitions tr;
     tr.start.assign(states + 1, 0);
     for (int p = 0; p < states; ++p) {
         tr.start[p] = tr.Count();
-        for (const auto& [x, target] : a.rows[static_cast<std::size_t>(p)])
+        for (const auto& [x, target] : a.rows[p])
             if (x >= g.firstNonterminal) {
                 tr.from.push_back(p);
                 tr.symbol.push_back(x);
@@ -76,7 +76,7 @@ Indexed<TerminalSet> DirectReads(const Grammar& g, const Lr0Automaton& a, const 
     for (int x = 0; x < tr.Count(); ++x) {
         if (tr.from[x] == 0 && tr.symbol[x] == g.goal)
             dr[x].Add(0);
-        for (const auto& [c, target] : a.rows[static_cast<std::size_t>(tr.to[x])])
+        for (const auto& [c, target] : a.rows[tr.to[x]])
             if (c <= t)
                 dr[x].Add(c);
     }
@@ -93,7 +93,7 @@ bool Reads(const Grammar& g, const Lr0Automaton& a, const Transitions& tr, Index
     Relation reads(tr.Count());
     for (int x = 0; x < tr.Count(); ++x) {
         const int r = tr.to[x];
-        for (const auto& [c, target] : a.rows[static_cast<std::size_t>(r)])
+        for (const auto& [c, target] : a.rows[r])
             if (c > t && g.nullable[static_cast<std::size_t>(c)])
                 reads[x].push_back(tr.Find(r, c));
     }
@@ -145,9 +145,9 @@ IncludesAndLookback FindIncludesAndLookback(const LrGrammar& lg, const Lr0Automa
             for (int d = 0; d < items.Length(r); ++d) {
                 const int item = items.Item(r, d);
                 const int y = items.Next(item);
-                if (g.IsNonterminal(y) && lg.tailNullable[static_cast<std::size_t>(item)])
+                if (g.IsNonterminal(y) && lg.tailNullable[item])
                     relations.includes[tr.Find(q, y)].push_back(x);
-                q = RowEntry(a.rows[static_cast<std::size_t>(q)], y);
+                q = RowEntry(a.rows[q], y);
             }
             relations.lookback.Add(q, r, x);
         }
@@ -160,7 +160,7 @@ IncludesAndLookback FindIncludesAndLookback(const LrGrammar& lg, const Lr0Automa
 /// [DeRemer & Pennello 1982, the includes relation and Follow.]
 bool Follow(const Relation& includes, Indexed<TerminalSet>& sets, Turn turn)
 {
-    return Digraph(0, sets.size() - 1, [&](int x) -> const std::vector<int>& { return includes[x]; }, sets, turn);
+    return Digraph(0, includes.size() - 1, [&](int x) -> const std::vector<int>& { return includes[x]; }, sets, turn);
 }
 
 /// LA(q, A -> omega) = ⋃{ Follow(p, A) | (q, A -> omega) lookback (p, A) }, for
@@ -168,10 +168,10 @@ bool Follow(const Relation& includes, Indexed<TerminalSet>& sets, Turn turn)
 ReduceLookaheads LookaheadsFromLookback(const LrGrammar& lg, const Lr0Automaton& a, const Lookback& lookback,
                                         const Indexed<TerminalSet>& follow)
 {
-    const int states = static_cast<int>(a.kernels.size());
+    const int states = a.kernels.size();
     ReduceLookaheads result(states);
     for (int q = 0; q < states; ++q) {
-        for (int item : lg.CompleteItems(a.kernels[static_cast<std::size_t>(q)])) {
+        for (int item : lg.CompleteItems(a.kernels[q])) {
             const int r = lg.items.Rule(item);
             TerminalSet la(lg.g.terminalCount);
             if (const std::vector<int>* back = lookback.Find(q, r))

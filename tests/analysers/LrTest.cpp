@@ -189,7 +189,7 @@ std::map<std::pair<std::vector<int>, int>, std::set<int>> MergedCanonical(Worksp
     Lr1Automaton a;
     EXPECT_TRUE(BuildLr1(lg, frame, a));
     Lr1Closure closure(lg);
-    for (std::size_t s = 0; s < a.kernels.size(); ++s) {
+    for (int s = 0; s < a.kernels.size(); ++s) {
         const std::vector<int>& kernel = a.kernels[s];
         for (std::size_t i = 0; i < kernel.size(); ++i)
             if (lg.items.Complete(kernel[i]) && lg.items.Rule(kernel[i]) != 0)  // rule 0 accepts
