@@ -1,7 +1,7 @@
 /// \file
 /// Indexed: a std::vector indexed by int, the type of every symbol code, rule,
 /// item, state and transition number, so that tables read as the algorithms
-/// write them: rulesOf[a], not rulesOf[static_cast<std::size_t>(a)].
+/// write them (rulesOf[a]) without a cast to size_t at every index.
 #pragma once
 
 #include <cassert>
