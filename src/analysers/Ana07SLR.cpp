@@ -26,7 +26,7 @@ bool Ana07SLR::Build(const LrGrammar& lg, PassFrame& frame, ReduceList& reduces)
         return false;
     const Grammar& g = lg.g;
     reduces.assign(automaton.kernels.size(), {});
-    for (std::size_t s = 0; s < automaton.kernels.size(); ++s)
+    for (std::size_t s = 0; s < reduces.size(); ++s)
         for (int item : lg.CompleteItems(automaton.kernels[s])) {
             const int rule = lg.items.Rule(item);
             const int left = g.rules[static_cast<std::size_t>(rule)][0];

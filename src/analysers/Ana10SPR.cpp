@@ -1,193 +1,56 @@
 /// \file
-/// The simple-precedence analyser, and the listing and C layout that the
-/// operator-precedence analyser shares.
+/// The simple-precedence analyser.
 #include "analysers/Ana10SPR.h"
 
 #include "model/Model.h"
 #include "output/CTables.h"
 
-#include <algorithm>
-
 namespace {
 constexpr auto LT = PrecedenceMatrix::LT;
 constexpr auto EQ = PrecedenceMatrix::EQ;
 constexpr auto GT = PrecedenceMatrix::GT;
-
-/// How the C table writes a cell: "0" when empty, else the name of one relation.
-QString CellName(const PrecedenceMatrix& m, int row, int column)
-{
-    if (m.IsEmpty(row, column))
-        return QStringLiteral("0");
-    // On purpose EQ, then LT, then GT: a conflicting cell is written with this fixed
-    // preference, though the result text reports the grammar as failing.
-    if (m.HasCode(row, column, m.Code(EQ)))
-        return QStringLiteral("EQ");
-    if (m.HasCode(row, column, m.Code(LT)))
-        return QStringLiteral("LT");
-    return QStringLiteral("GT");
-}
 } // namespace
 
-namespace PrecedenceText {
-
-std::array<int, 3> RelationCodes(const Settings& settings)
+Ana10SPR::Ana10SPR(Model& model)
+    : PrecedenceAnalyser(model, {QStringLiteral("simple precedence"),
+                                 QStringLiteral("This Grammar Is Not Simple Precedence One."), GrammarFlag::AnalysedSPR,
+                                 model.spr, model.grammar.precedence.sprText, model.grammar.precedence.sprTableBuilt,
+                                 model.grammar.precedence.sprPossible, model.grammar.leftSet, model.grammar.rightSet})
 {
-    return {settings.pSignLT, settings.pSignEQ, settings.pSignGT};
 }
 
-QString Result(const PrecedenceMatrix& matrix, const QString& failureLine, bool& conflict)
+bool Ana10SPR::Ready()
 {
-    conflict = false;
-    QString text;
-    for (int i = 0; i < matrix.Size(); ++i) {
-        for (int j = 0; j < matrix.Size(); ++j) {
-            if (matrix.IsEmpty(i, j))
-                continue;
-            if (!text.isEmpty())
-                text += kEol;
-            text += QStringLiteral("SYNTA") + QLatin1Char('[') + QString::number(i) + QLatin1Char(',')
-                  + QString::number(j) + QStringLiteral("]=") + matrix.CellText(i, j);
-            conflict |= matrix.IsConflict(i, j);
-        }
-    }
-    if (conflict)
-        text = failureLine + kEol + text;
-    return text + kEol;
+    const PrecedenceState& p = m_model.grammar.precedence;
+    return p.sprPossible && p.sprSetsDone && InProcess() && p.sprSetsValid;
 }
 
-void WriteTable(TextSink& sink, Model& model, const PrecedenceMatrix& matrix, const QString& method)
+int Ana10SPR::MatrixSize() const
 {
-    const Grammar& g = model.grammar;
-    Settings& settings = model.settings;
-    // On purpose the stored setting is raised, not a copy: the window's grid and
-    // every later text keep the width these tables were written with.
-    settings.cellWidth = std::max(settings.cellWidth, 4);
-    const int width = settings.cellWidth;
-    const int size = matrix.Size();
-
-    QString text = CTables::Composite(g, settings, CTables::GenerationTime());
-    text += QStringLiteral("/* Precedence Relation Constants */") + kEol;
-    text += QStringLiteral("#define LT ") + QString::number(matrix.Code(LT)) + QStringLiteral("  // <.") + kEol;
-    text += QStringLiteral("#define EQ ") + QString::number(matrix.Code(EQ)) + QStringLiteral("  // .=") + kEol;
-    // On purpose three blanks here against two above: the comments line up for the default codes -2, -1, 1.
-    text += QStringLiteral("#define GT ") + QString::number(matrix.Code(GT)) + QStringLiteral("   // .>") + kEol;
-    text += kEol;
-    text += QStringLiteral("/* Start Symbol */") + kEol;
-    text += QStringLiteral("#define START ") + g.GetSymbolName(g.firstNonterminal, QStringLiteral("TOK_EOT")) + kEol;
-    text += QStringLiteral("/* Syntax Table ") + QStringLiteral("SYNTA") + QStringLiteral(" (") + method
-          + QStringLiteral(") */") + kEol;
-    text += settings.syntaxType + QLatin1Char(' ') + QStringLiteral("SYNTA") + QStringLiteral(" [")
-          + QString::number(size) + QStringLiteral("][") + QString::number(size) + QStringLiteral("] = {") + kEol;
-    QStringList heads;
-    for (int c = 0; c < size; ++c)
-        heads << g.GetSymbolT(c);
-    // A row is "/*" + name + "*/{" before its first cell: the heads start above it.
-    text += CTables::ColumnHeads(heads, width + 5, width);
-    sink.Write(text);
-
-    // Row by row: the matrix over every symbol of a large grammar runs to megabytes.
-    for (int i = 0; i < size; ++i) {
-        QString row = QStringLiteral("/*") + CTables::Fit(CTables::CommentSafe(g.GetSymbolT(i)), width)
-                    + QStringLiteral("*/{");
-        for (int j = 0; j < size; ++j) {
-            row += CellName(matrix, i, j).rightJustified(width);
-            row += j + 1 < size ? QStringLiteral(",") : QStringLiteral("}");
-        }
-        if (i + 1 < size)
-            row += QLatin1Char(',');
-        sink.Write(row + kEol);
-    }
-    sink.Write(QStringLiteral("};") + kEol);
+    return m_model.grammar.lastCode + 1;
 }
 
-QString RecognizerTables(const Model& model)
+void Ana10SPR::AddRelations(PrecedenceMatrix& m, const std::vector<int>& rule)
 {
-    // The right sides are matched in order: the RULE table runs forward here,
-    // whatever "GenerateRules" and "GenerateRuleReverse" ask of other texts.
-    Settings forward = model.settings;
-    forward.generateRules = 1;
-    forward.generateRuleReverse = 0;
-    return CTables::RuleTable(model.grammar, forward, false)
-         + QStringLiteral("#define PR_STACK_SIZE 4096") + kEol;
-}
-
-} // namespace PrecedenceText
-
-bool Ana10SPR::Analyze()
-{
-    Grammar& g = m_model.grammar;
-    PrecedenceState& p = g.precedence;
-    // The sets belong to the analysis run; a run stopped before them has them computed here.
-    if (!p.sprSetsDone && g.Parsed()) {
-        g.SetInProcess(true);
-        g.FindLeftAndRightSets();
-    }
-    if (!(p.sprPossible && p.sprSetsDone && InProcess() && p.sprSetsValid))
-        return false;
-
-    p.sprTableBuilt = false;
-    PrecedenceMatrix& m = m_model.spr.synta;
-    m.Reset(g.lastCode + 1, PrecedenceText::RelationCodes(m_model.settings));
-    auto set = [&](const std::vector<CodeList>& sets, int code) -> const CodeList& {
-        return sets[static_cast<std::size_t>(code)];
-    };
-    for (int r = 1; r <= g.ruleCount; ++r) {
-        const std::vector<int>& rule = g.rules[static_cast<std::size_t>(r)];
-        for (std::size_t k = 2; k < rule.size(); ++k) {
-            const int x = rule[k - 1];
-            const int y = rule[k];
-            m.Add(x, y, EQ);
-            if (g.IsNonterminal(y))
-                for (int s : set(g.leftSet, y))
-                    m.Add(x, s, LT);
-            if (g.IsNonterminal(x)) {
-                for (int rs : set(g.rightSet, x)) {
-                    m.Add(rs, y, GT);
-                    // On purpose GT goes to every member of the left set of Y,
-                    // non-terminals included, not only to its terminals.
-                    if (g.IsNonterminal(y))
-                        for (int t : set(g.leftSet, y))
-                            m.Add(rs, t, GT);
-                }
+    const Grammar& g = m_model.grammar;
+    for (std::size_t k = 2; k < rule.size(); ++k) {
+        const int x = rule[k - 1];
+        const int y = rule[k];
+        m.Add(x, y, EQ);
+        if (g.IsNonterminal(y))
+            for (int s : Heads(y))
+                m.Add(x, s, LT);
+        if (g.IsNonterminal(x)) {
+            for (int rs : Tails(x)) {
+                m.Add(rs, y, GT);
+                // On purpose GT goes to every member of the left set of Y,
+                // non-terminals included, not only to its terminals.
+                if (g.IsNonterminal(y))
+                    for (int t : Heads(y))
+                        m.Add(rs, t, GT);
             }
         }
-        m_model.host().yield();
-        if (!InProcess())
-            return false;
     }
-    // The end marker stands before the start symbol and after it.
-    for (int s : set(g.leftSet, g.goal))
-        m.Add(0, s, LT);
-    for (int rs : set(g.rightSet, g.goal))
-        m.Add(rs, 0, GT);
-
-    bool conflict = false;
-    p.sprText = PrecedenceText::Result(m, QStringLiteral("This Grammar Is Not Simple Precedence One."), conflict);
-    p.sprTableBuilt = true;  // kept and exportable even with conflicts
-    p.sprPossible = !conflict;
-    g.SetFlag(GrammarFlag::AnalysedSPR, true);
-    return !conflict;
-}
-
-QString Ana10SPR::ExportDisplay()
-{
-    return m_model.grammar.precedence.sprText;
-}
-
-QString Ana10SPR::TableDisplay()
-{
-    BufferSink sink;
-    WriteTable(sink);
-    return sink.Text();
-}
-
-void Ana10SPR::WriteTable(TextSink& sink)
-{
-    if (!m_model.grammar.precedence.sprTableBuilt)
-        return;
-    PrecedenceText::WriteTable(sink, m_model, m_model.spr.synta, QStringLiteral("simple precedence"));
-    if (m_model.settings.generateRecognizer != 0)
-        sink.Write(kEol + Recognizer());
 }
 
 QString Ana10SPR::Recognizer() const
@@ -235,5 +98,5 @@ QString Ana10SPR::Recognizer() const
         "    }",
         "}",
     };
-    return PrecedenceText::RecognizerTables(m_model) + CTables::TextLines(lines);
+    return CTables::TextLines(lines);
 }

@@ -2,7 +2,6 @@
 /// The operator-precedence analyser.
 #include "analysers/Ana11OPR.h"
 
-#include "analysers/Ana10SPR.h"
 #include "model/Model.h"
 #include "output/CTables.h"
 
@@ -12,6 +11,14 @@ constexpr auto LT = PrecedenceMatrix::LT;
 constexpr auto EQ = PrecedenceMatrix::EQ;
 constexpr auto GT = PrecedenceMatrix::GT;
 } // namespace
+
+Ana11OPR::Ana11OPR(Model& model)
+    : PrecedenceAnalyser(model, {QStringLiteral("operator precedence"), kNotOperator, GrammarFlag::AnalysedOPR, model.opr,
+                                 model.grammar.precedence.oprText, model.grammar.precedence.oprTableBuilt,
+                                 model.grammar.precedence.oprPossible, model.grammar.leftTermSet,
+                                 model.grammar.rightTermSet})
+{
+}
 
 void Ana11OPR::GetLRSets()
 {
@@ -70,92 +77,48 @@ void Ana11OPR::GetLRSets()
     }
 }
 
-bool Ana11OPR::Analyze()
+bool Ana11OPR::Ready()
 {
-    Grammar& g = m_model.grammar;
-    PrecedenceState& p = g.precedence;
-    // The left and right sets belong to the analysis run; a run stopped before
-    // them has them computed here.
-    if (!p.sprSetsDone && g.Parsed()) {
-        g.SetInProcess(true);
-        g.FindLeftAndRightSets();
-    }
+    const PrecedenceState& p = m_model.grammar.precedence;
     if (!(p.oprPossible && p.sprSetsDone))
         return false;
     GetLRSets();
-    if (!(InProcess() && p.oprSetsDone && p.oprSetsValid))
-        return false;
+    return InProcess() && p.oprSetsDone && p.oprSetsValid;
+}
 
-    p.oprTableBuilt = false;
-    PrecedenceMatrix& m = m_model.opr.synta;
-    const int t = g.terminalCount;
-    m.Reset(t + 1, PrecedenceText::RelationCodes(m_model.settings));
-    auto set = [](const std::vector<CodeList>& sets, int code) -> const CodeList& {
-        return sets[static_cast<std::size_t>(code)];
-    };
-    for (int r = 1; r <= g.ruleCount; ++r) {
-        const std::vector<int>& rule = g.rules[static_cast<std::size_t>(r)];
-        for (std::size_t k = 1; k + 1 < rule.size(); ++k) {
-            const int x = rule[k];
-            const int y = rule[k + 1];
-            // Two adjacent non-terminals are not refused here: their pair gives GT
-            // from the last terminals of the first to the first terminals of the second.
-            if (g.IsNonterminal(x)) {
-                for (int rt : set(g.rightTermSet, x)) {
-                    if (g.IsTerminal(y))
-                        m.Add(rt, y, GT);
-                    else if (g.IsNonterminal(y))
-                        for (int lt : set(g.leftTermSet, y))
-                            m.Add(rt, lt, GT);
-                }
-            } else if (g.IsTerminal(x)) {
-                // .= reaches across any number of non-terminals to the next terminal.
-                for (std::size_t z = k + 1; z < rule.size(); ++z)
-                    if (g.IsTerminal(rule[z])) {
-                        m.Add(x, rule[z], EQ);
-                        break;
-                    }
-                if (g.IsNonterminal(y))
-                    for (int lt : set(g.leftTermSet, y))
-                        m.Add(x, lt, LT);
+int Ana11OPR::MatrixSize() const
+{
+    return m_model.grammar.terminalCount + 1;
+}
+
+void Ana11OPR::AddRelations(PrecedenceMatrix& m, const std::vector<int>& rule)
+{
+    const Grammar& g = m_model.grammar;
+    for (std::size_t k = 1; k + 1 < rule.size(); ++k) {
+        const int x = rule[k];
+        const int y = rule[k + 1];
+        // Two adjacent non-terminals are not refused here: their pair gives GT
+        // from the last terminals of the first to the first terminals of the second.
+        if (g.IsNonterminal(x)) {
+            for (int rt : Tails(x)) {
+                if (g.IsTerminal(y))
+                    m.Add(rt, y, GT);
+                else if (g.IsNonterminal(y))
+                    for (int lt : Heads(y))
+                        m.Add(rt, lt, GT);
             }
+        } else if (g.IsTerminal(x)) {
+            // .= reaches across any number of non-terminals to the next terminal.
+            for (std::size_t z = k + 1; z < rule.size(); ++z)
+                if (g.IsTerminal(rule[z])) {
+                    m.Add(x, rule[z], EQ);
+                    break;
+                }
+            if (g.IsNonterminal(y))
+                for (int lt : Heads(y))
+                    m.Add(x, lt, LT);
         }
-        m_model.host().yield();
-        if (!InProcess())
-            return false;
     }
-    for (int lt : set(g.leftTermSet, g.goal))
-        m.Add(0, lt, LT);
-    for (int rt : set(g.rightTermSet, g.goal))
-        m.Add(rt, 0, GT);
-
-    bool conflict = false;
-    p.oprText = PrecedenceText::Result(m, kNotOperator, conflict);
-    p.oprTableBuilt = true;  // kept and exportable even with conflicts
-    p.oprPossible = !conflict;
-    g.SetFlag(GrammarFlag::AnalysedOPR, true);
-    return !conflict;
-}
-
-QString Ana11OPR::ExportDisplay()
-{
-    return m_model.grammar.precedence.oprText;
-}
-
-QString Ana11OPR::TableDisplay()
-{
-    BufferSink sink;
-    WriteTable(sink);
-    return sink.Text();
-}
-
-void Ana11OPR::WriteTable(TextSink& sink)
-{
-    if (!m_model.grammar.precedence.oprTableBuilt)
-        return;
-    PrecedenceText::WriteTable(sink, m_model, m_model.opr.synta, QStringLiteral("operator precedence"));
-    if (m_model.settings.generateRecognizer != 0)
-        sink.Write(kEol + Recognizer());
 }
 
 QString Ana11OPR::Recognizer() const
@@ -212,5 +175,5 @@ QString Ana11OPR::Recognizer() const
         "    }",
         "}",
     };
-    return PrecedenceText::RecognizerTables(m_model) + CTables::TextLines(lines);
+    return CTables::TextLines(lines);
 }

@@ -1,24 +1,14 @@
 /// \file
 /// Ana11OPR: the operator-precedence test. Computes the left and right terminal
-/// sets (GetLRSets), builds the relation matrix over the end marker and the
-/// terminals, lists it, and writes it as C in the layout of Ana10SPR.
+/// sets (GetLRSets) and builds the relation matrix over the end marker and the
+/// terminals; the listing and the C table are PrecedenceAnalyser's.
 #pragma once
 
-#include "model/IAnazer.h"
+#include "analysers/PrecedenceAnalyser.h"
 
-class Model;
-
-class Ana11OPR final : public IAnazer {
+class Ana11OPR final : public PrecedenceAnalyser {
 public:
-    explicit Ana11OPR(Model& model)
-        : m_model(model)
-    {
-    }
-
-    bool Analyze() override;
-    QString TableDisplay() override;
-    void WriteTable(TextSink& sink) override;
-    QString ExportDisplay() override;
+    explicit Ana11OPR(Model& model);
 
     /// The left and right terminal sets of every non-terminal (the first and the
     /// last terminal of what it derives), closed through the left and right sets
@@ -27,9 +17,12 @@ public:
     /// with an empty set, the refusal text.
     void GetLRSets();
 
-private:
+protected:
+    /// The precedence step allows it, and the terminal sets (computed here) are valid.
+    bool Ready() override;
+    /// The end marker and the terminals.
+    int MatrixSize() const override;
+    void AddRelations(PrecedenceMatrix& matrix, const std::vector<int>& rule) override;
     /// The sample operator-precedence parser opr_recognize.
-    QString Recognizer() const;
-
-    Model& m_model;
+    QString Recognizer() const override;
 };

@@ -1,9 +1,8 @@
 /// \file
-/// LR(0) and canonical LR(1) automata, the pass frame, and LALR(1) look-aheads.
+/// LR(0) and canonical LR(1) automata, and the pass frame.
 #include "analysers/LrAutomaton.h"
 
 #include "grammar/Texts.h"
-#include "grammar/Digraph.h"
 
 #include <algorithm>
 #include <unordered_map>
@@ -11,11 +10,11 @@
 std::vector<int> TerminalSet::Members() const
 {
     std::vector<int> members;
-    for (std::size_t w = 0; w < m_words.size(); ++w) {
+    for (int w = 0; w < m_words.size(); ++w) {
         std::uint64_t bits = m_words[w];
         while (bits) {
             const int b = __builtin_ctzll(bits);
-            members.push_back(static_cast<int>(w * 64) + b);
+            members.push_back(w * 64 + b);
             bits &= bits - 1;
         }
     }
@@ -86,20 +85,20 @@ LrGrammar::LrGrammar(const Grammar& grammar)
 {
     const int n = g.lastCode;
     const int t = g.terminalCount;
-    m_mark.assign(static_cast<std::size_t>(n) + 1, 0);
+    m_mark.assign(n + 1, 0);
 
     // Left corners: the non-terminals reachable through first symbols.
-    leftCorners.resize(static_cast<std::size_t>(n) + 1);
-    std::vector<int> seen(static_cast<std::size_t>(n) + 1, -1);
+    leftCorners.resize(n + 1);
+    Indexed<int> seen(n + 1, -1);
     for (int a = g.firstNonterminal; a <= n; ++a) {
-        std::vector<int>& list = leftCorners[static_cast<std::size_t>(a)];
+        std::vector<int>& list = leftCorners[a];
         list.push_back(a);
-        seen[static_cast<std::size_t>(a)] = a;
+        seen[a] = a;
         for (std::size_t i = 0; i < list.size(); ++i)
             for (int r : items.RulesOf(list[i])) {
                 const int x = items.Next(items.Item(r, 0));
-                if (x >= g.firstNonterminal && seen[static_cast<std::size_t>(x)] != a) {
-                    seen[static_cast<std::size_t>(x)] = a;
+                if (x >= g.firstNonterminal && seen[x] != a) {
+                    seen[x] = a;
                     list.push_back(x);
                 }
             }
@@ -107,19 +106,19 @@ LrGrammar::LrGrammar(const Grammar& grammar)
 
     // FIRST over terminals and the end marker: the grammar's FIRST, plus the end
     // marker where a "." can come first.
-    first.assign(static_cast<std::size_t>(n) + 1, TerminalSet(t));
+    first.assign(n + 1, TerminalSet(t));
     for (int c = 0; c <= t; ++c)
-        first[static_cast<std::size_t>(c)].Add(c);
-    std::vector<char> endFirst(static_cast<std::size_t>(n) + 1, 0);
+        first[c].Add(c);
+    Indexed<char> endFirst(n + 1, 0);
     for (bool changed = true; changed;) {
         changed = false;
         for (int r = 1; r <= g.ruleCount; ++r) {
-            const std::size_t a = static_cast<std::size_t>(g.rules[static_cast<std::size_t>(r)][0]);
+            const int a = g.rules[static_cast<std::size_t>(r)][0];
             if (endFirst[a])
                 continue;
             for (int d = 0; d < items.Length(r); ++d) {
                 const int x = items.Next(items.Item(r, d));
-                if (x == 0 || (g.IsNonterminal(x) && endFirst[static_cast<std::size_t>(x)])) {
+                if (x == 0 || (g.IsNonterminal(x) && endFirst[x])) {
                     endFirst[a] = 1;
                     changed = true;
                     break;
@@ -130,16 +129,16 @@ LrGrammar::LrGrammar(const Grammar& grammar)
         }
     }
     for (int a = g.firstNonterminal; a <= n; ++a) {
-        TerminalSet& set = first[static_cast<std::size_t>(a)];
+        TerminalSet& set = first[a];
         for (int x : g.first[static_cast<std::size_t>(a)])
             set.Add(x);
-        if (endFirst[static_cast<std::size_t>(a)])
+        if (endFirst[a])
             set.Add(0);
     }
 
     // FIRST and nullability of what stands behind the next symbol of each item.
-    tailFirst.assign(static_cast<std::size_t>(items.Count()), TerminalSet());
-    tailNullable.assign(static_cast<std::size_t>(items.Count()), 0);
+    tailFirst.assign(items.Count(), TerminalSet());
+    tailNullable.assign(items.Count(), 0);
     for (int r = 0; r <= g.ruleCount; ++r) {
         const int length = items.Length(r);
         TerminalSet tail(t);
@@ -147,13 +146,13 @@ LrGrammar::LrGrammar(const Grammar& grammar)
         // Walk backwards: the tail of item d is the right side from position d + 2.
         for (int d = length - 1; d >= 0; --d) {
             const int item = items.Item(r, d);
-            tailFirst[static_cast<std::size_t>(item)] = tail;
-            tailNullable[static_cast<std::size_t>(item)] = nullable ? 1 : 0;
+            tailFirst[item] = tail;
+            tailNullable[item] = nullable ? 1 : 0;
             const int x = items.Next(item);
             if (g.IsNonterminal(x) && g.nullable[static_cast<std::size_t>(x)]) {
-                tail.Merge(first[static_cast<std::size_t>(x)]);
+                tail.Merge(first[x]);
             } else {
-                tail = first[static_cast<std::size_t>(x)];
+                tail = first[x];
                 nullable = false;
             }
         }
@@ -169,11 +168,11 @@ std::vector<int> LrGrammar::ClosureNonterminals(const std::vector<int>& kernel) 
     std::vector<int> result;
     for (int item : kernel) {
         const int b = items.Next(item);
-        if (b < g.firstNonterminal || m_mark[static_cast<std::size_t>(b)] == m_stamp)
+        if (b < g.firstNonterminal || m_mark[b] == m_stamp)
             continue;
-        for (int c : leftCorners[static_cast<std::size_t>(b)])
-            if (m_mark[static_cast<std::size_t>(c)] != m_stamp) {
-                m_mark[static_cast<std::size_t>(c)] = m_stamp;
+        for (int c : leftCorners[b])
+            if (m_mark[c] != m_stamp) {
+                m_mark[c] = m_stamp;
                 result.push_back(c);
             }
     }
@@ -234,11 +233,11 @@ struct WordsHash {
 bool BuildLr0(const LrGrammar& lg, PassFrame& frame, Lr0Automaton& a)
 {
     const LrItems& items = lg.items;
-    const std::size_t codes = static_cast<std::size_t>(lg.g.lastCode) + 1;
+    const int codes = lg.g.lastCode + 1;
     a = Lr0Automaton();
     std::unordered_map<std::vector<int>, int, KeyHash> index;
     auto add = [&](std::vector<int> kernel, int symbol) {
-        auto [it, inserted] = index.try_emplace(kernel, static_cast<int>(a.kernels.size()));
+        auto [it, inserted] = index.try_emplace(kernel, a.kernels.size());
         if (inserted) {
             a.kernels.push_back(std::move(kernel));
             a.rows.emplace_back();
@@ -248,12 +247,12 @@ bool BuildLr0(const LrGrammar& lg, PassFrame& frame, Lr0Automaton& a)
     };
     add({items.Item(0, 0)}, -2);
 
-    std::vector<std::vector<int>> bucket(codes);
+    Indexed<std::vector<int>> bucket(codes);
     std::vector<int> touched;
     auto expand = [&](int s) {
-        const std::vector<int> kernel = a.kernels[static_cast<std::size_t>(s)];
+        const std::vector<int> kernel = a.kernels[s];
         auto put = [&](int symbol, int item) {
-            std::vector<int>& b = bucket[static_cast<std::size_t>(symbol)];
+            std::vector<int>& b = bucket[symbol];
             if (b.empty())
                 touched.push_back(symbol);
             b.push_back(item);
@@ -269,118 +268,23 @@ bool BuildLr0(const LrGrammar& lg, PassFrame& frame, Lr0Automaton& a)
                 }
         std::sort(touched.begin(), touched.end());
         for (int x : touched) {
-            std::vector<int>& b = bucket[static_cast<std::size_t>(x)];
+            std::vector<int>& b = bucket[x];
             std::sort(b.begin(), b.end());
             const int target = add(b, x);
-            a.rows[static_cast<std::size_t>(s)].emplace_back(x, target);  // codes ascend
+            a.rows[s].emplace_back(x, target);  // codes ascend
             b.clear();
         }
         touched.clear();
     };
-    return frame.Run(expand, [&] { return static_cast<int>(a.kernels.size()); });
-}
-
-// ---- LALR(1) look-aheads -------------------------------------------------------
-
-bool ComputeLalrLookaheads(const LrGrammar& lg, const Lr0Automaton& a, Model& model, IAnazer& analyser,
-                           ReduceLookaheads& result)
-{
-    const Grammar& g = lg.g;
-    const LrItems& items = lg.items;
-    const int states = static_cast<int>(a.kernels.size());
-    const int t = g.terminalCount;
-
-    // The non-terminal transitions (p, A), numbered; by state, their first number.
-    std::vector<int> from, symbol;
-    std::vector<int> start(static_cast<std::size_t>(states) + 1, 0);
-    for (int p = 0; p < states; ++p) {
-        start[static_cast<std::size_t>(p)] = static_cast<int>(from.size());
-        for (const auto& [x, target] : a.rows[static_cast<std::size_t>(p)])
-            if (x >= g.firstNonterminal) {
-                from.push_back(p);
-                symbol.push_back(x);
-            }
-    }
-    start[static_cast<std::size_t>(states)] = static_cast<int>(from.size());
-    const int transitions = static_cast<int>(from.size());
-    auto transition = [&](int p, int x) {
-        const auto b = symbol.begin() + start[static_cast<std::size_t>(p)];
-        const auto e = symbol.begin() + start[static_cast<std::size_t>(p) + 1];
-        return static_cast<int>(std::lower_bound(b, e, x) - symbol.begin());
-    };
-
-    // DR(p, A): the terminals shifted from the state that (p, A) leads to; the end
-    // marker is read after the goal from state 0, where the parse accepts.
-    // reads: (p, A) reads (r, C) when p --A--> r --C--> and C is nullable.
-    std::vector<TerminalSet> sets(static_cast<std::size_t>(transitions), TerminalSet(t));
-    std::vector<std::vector<int>> reads(static_cast<std::size_t>(transitions));
-    for (int x = 0; x < transitions; ++x) {
-        const int r = RowEntry(a.rows[static_cast<std::size_t>(from[static_cast<std::size_t>(x)])],
-                               symbol[static_cast<std::size_t>(x)]);
-        TerminalSet& dr = sets[static_cast<std::size_t>(x)];
-        if (from[static_cast<std::size_t>(x)] == 0 && symbol[static_cast<std::size_t>(x)] == g.goal)
-            dr.Add(0);
-        for (const auto& [c, target] : a.rows[static_cast<std::size_t>(r)]) {
-            if (c <= t)
-                dr.Add(c);
-            else if (g.nullable[static_cast<std::size_t>(c)])
-                reads[static_cast<std::size_t>(x)].push_back(transition(r, c));
-        }
-    }
-    auto tick = [&] {
-        model.host().yield();
-        return analyser.InProcess();
-    };
-    if (!Digraph(0, transitions - 1, [&](int x) -> const std::vector<int>& { return reads[static_cast<std::size_t>(x)]; },
-                 sets, tick))
-        return false;
-
-    // includes: (p', B) includes (p, A) when A -> beta B gamma, gamma nullable and
-    // p --beta--> p'. lookback: (q, A -> omega) looks back to (p, A) when p --omega--> q.
-    // [DeRemer & Pennello 1982, section 4.] Walking every rule of A from p gives both.
-    std::vector<std::vector<int>> includes(static_cast<std::size_t>(transitions));
-    std::unordered_map<std::uint64_t, std::vector<int>> lookback;  // key: state * (R + 1) + rule
-    const std::uint64_t rules = static_cast<std::uint64_t>(g.ruleCount) + 1;
-    for (int x = 0; x < transitions; ++x) {
-        const int p = from[static_cast<std::size_t>(x)];
-        for (int r : items.RulesOf(symbol[static_cast<std::size_t>(x)])) {
-            int q = p;
-            for (int d = 0; d < items.Length(r); ++d) {
-                const int item = items.Item(r, d);
-                const int y = items.Next(item);
-                if (g.IsNonterminal(y) && lg.tailNullable[static_cast<std::size_t>(item)])
-                    includes[static_cast<std::size_t>(transition(q, y))].push_back(x);
-                q = RowEntry(a.rows[static_cast<std::size_t>(q)], y);
-            }
-            lookback[static_cast<std::uint64_t>(q) * rules + static_cast<std::uint64_t>(r)].push_back(x);
-        }
-    }
-    if (!Digraph(0, transitions - 1,
-                 [&](int x) -> const std::vector<int>& { return includes[static_cast<std::size_t>(x)]; }, sets, tick))
-        return false;
-
-    // LA(q, A -> omega): the union of Follow over the lookbacks.
-    result.assign(static_cast<std::size_t>(states), {});
-    for (int q = 0; q < states; ++q) {
-        for (int item : lg.CompleteItems(a.kernels[static_cast<std::size_t>(q)])) {
-            const int r = items.Rule(item);
-            TerminalSet la(t);
-            auto it = lookback.find(static_cast<std::uint64_t>(q) * rules + static_cast<std::uint64_t>(r));
-            if (it != lookback.end())
-                for (int x : it->second)
-                    la.Merge(sets[static_cast<std::size_t>(x)]);
-            result[static_cast<std::size_t>(q)].emplace_back(r, std::move(la));
-        }
-    }
-    return true;
+    return frame.Run(expand, [&] { return a.kernels.size(); });
 }
 
 // ---- Canonical LR(1) -----------------------------------------------------------
 
 Lr1Closure::Lr1Closure(const LrGrammar& lg)
     : m_lg(lg)
-    , m_la(static_cast<std::size_t>(lg.g.lastCode) + 1, TerminalSet(lg.g.terminalCount))
-    , m_queued(static_cast<std::size_t>(lg.g.lastCode) + 1, 0)
+    , m_la(lg.g.lastCode + 1, TerminalSet(lg.g.terminalCount))
+    , m_queued(lg.g.lastCode + 1, 0)
 {
 }
 
@@ -390,16 +294,16 @@ const std::vector<int>& Lr1Closure::Compute(const std::vector<int>& kernel, cons
     const LrItems& items = m_lg.items;
     m_nts = m_lg.ClosureNonterminals(kernel);
     for (int c : m_nts)
-        m_la[static_cast<std::size_t>(c)].Clear();
+        m_la[c].Clear();
     // [A -> alpha . B beta, L] gives B the look-aheads FIRST(beta), and L when beta is nullable.
     for (std::size_t i = 0; i < kernel.size(); ++i) {
         const int item = kernel[i];
         const int b = items.Next(item);
         if (b < g.firstNonterminal)
             continue;
-        TerminalSet& target = m_la[static_cast<std::size_t>(b)];
-        target.Merge(m_lg.tailFirst[static_cast<std::size_t>(item)]);
-        if (m_lg.tailNullable[static_cast<std::size_t>(item)])
+        TerminalSet& target = m_la[b];
+        target.Merge(m_lg.tailFirst[item]);
+        if (m_lg.tailNullable[item])
             target.Merge(kernelLa[i]);
     }
     // The same inside the closure: the FIRST part once, the look-ahead part until stable.
@@ -408,25 +312,24 @@ const std::vector<int>& Lr1Closure::Compute(const std::vector<int>& kernel, cons
             const int item = items.Item(r, 0);
             const int d = items.Next(item);
             if (d >= g.firstNonterminal)
-                m_la[static_cast<std::size_t>(d)].Merge(m_lg.tailFirst[static_cast<std::size_t>(item)]);
+                m_la[d].Merge(m_lg.tailFirst[item]);
         }
     // First in, first out, starting in left-corner order: along a chain of
     // non-terminals each look-ahead set is passed on once, not once per change
     // above it.
     m_work = m_nts;
     for (int c : m_nts)
-        m_queued[static_cast<std::size_t>(c)] = 1;
+        m_queued[c] = 1;
     for (std::size_t head = 0; head < m_work.size(); ++head) {
         const int c = m_work[head];
-        m_queued[static_cast<std::size_t>(c)] = 0;
+        m_queued[c] = 0;
         for (int r : items.RulesOf(c)) {
             const int item = items.Item(r, 0);
             const int d = items.Next(item);
-            if (d < g.firstNonterminal || d == c || !m_lg.tailNullable[static_cast<std::size_t>(item)])
+            if (d < g.firstNonterminal || d == c || !m_lg.tailNullable[item])
                 continue;
-            if (m_la[static_cast<std::size_t>(d)].Merge(m_la[static_cast<std::size_t>(c)])
-                && !m_queued[static_cast<std::size_t>(d)]) {
-                m_queued[static_cast<std::size_t>(d)] = 1;
+            if (m_la[d].Merge(m_la[c]) && !m_queued[d]) {
+                m_queued[d] = 1;
                 m_work.push_back(d);
             }
         }
@@ -439,7 +342,7 @@ bool BuildLr1(const LrGrammar& lg, PassFrame& frame, Lr1Automaton& a)
     const Grammar& g = lg.g;
     const LrItems& items = lg.items;
     const int t = g.terminalCount;
-    const std::size_t codes = static_cast<std::size_t>(g.lastCode) + 1;
+    const int codes = g.lastCode + 1;
     a = Lr1Automaton();
 
     // A state is named by its kernel items and their look-ahead words, side by side.
@@ -452,7 +355,7 @@ bool BuildLr1(const LrGrammar& lg, PassFrame& frame, Lr1Automaton& a)
             const auto& words = las[i].Words();
             key.insert(key.end(), words.begin(), words.end());
         }
-        auto [it, inserted] = index.try_emplace(key, static_cast<int>(a.kernels.size()));
+        auto [it, inserted] = index.try_emplace(key, a.kernels.size());
         if (inserted) {
             a.kernels.push_back(std::move(kernel));
             a.lookaheads.push_back(std::move(las));
@@ -472,15 +375,15 @@ bool BuildLr1(const LrGrammar& lg, PassFrame& frame, Lr1Automaton& a)
         int item;
         const TerminalSet* la;
     };
-    std::vector<std::vector<Entry>> bucket(codes);
+    Indexed<std::vector<Entry>> bucket(codes);
     std::vector<int> touched;
 
     auto expand = [&](int s) {
-        const std::vector<int> kernel = a.kernels[static_cast<std::size_t>(s)];
-        const std::vector<TerminalSet> kernelLa = a.lookaheads[static_cast<std::size_t>(s)];
+        const std::vector<int> kernel = a.kernels[s];
+        const std::vector<TerminalSet> kernelLa = a.lookaheads[s];
         const std::vector<int>& nts = closure.Compute(kernel, kernelLa);
         auto put = [&](int symbol, int item, const TerminalSet* set) {
-            std::vector<Entry>& b = bucket[static_cast<std::size_t>(symbol)];
+            std::vector<Entry>& b = bucket[symbol];
             if (b.empty())
                 touched.push_back(symbol);
             b.push_back({item, set});
@@ -496,7 +399,7 @@ bool BuildLr1(const LrGrammar& lg, PassFrame& frame, Lr1Automaton& a)
                 }
         std::sort(touched.begin(), touched.end());
         for (int x : touched) {
-            std::vector<Entry>& b = bucket[static_cast<std::size_t>(x)];
+            std::vector<Entry>& b = bucket[x];
             std::sort(b.begin(), b.end(), [](const Entry& l, const Entry& r) { return l.item < r.item; });
             std::vector<int> next;
             std::vector<TerminalSet> nextLa;
@@ -507,10 +410,10 @@ bool BuildLr1(const LrGrammar& lg, PassFrame& frame, Lr1Automaton& a)
                 nextLa.push_back(*e.la);
             }
             const int target = add(std::move(next), std::move(nextLa), x);
-            a.rows[static_cast<std::size_t>(s)].emplace_back(x, target);  // codes ascend
+            a.rows[s].emplace_back(x, target);  // codes ascend
             b.clear();
         }
         touched.clear();
     };
-    return frame.Run(expand, [&] { return static_cast<int>(a.kernels.size()); });
+    return frame.Run(expand, [&] { return a.kernels.size(); });
 }

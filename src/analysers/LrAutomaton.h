@@ -1,13 +1,14 @@
 /// \file
 /// The automata of the LR analysers: the LR(0) automaton (SLR(1) and LALR(1)
-/// stand on it), DeRemer and Pennello's LALR(1) look-aheads, and the canonical
-/// LR(1) automaton of Knuth. All three are built state by state in passes: the
-/// pass frame shows progress, enforces the state and pass limits, and gives
+/// stand on it; its LALR(1) look-aheads are in LalrLookaheads.h) and the
+/// canonical LR(1) automaton of Knuth. Both are built state by state in passes:
+/// the pass frame shows progress, enforces the state and pass limits, and gives
 /// the message loop a turn once per pass.
 #pragma once
 
 #include "model/IAnazer.h"
 #include "analysers/LrItems.h"
+#include "grammar/Indexed.h"
 #include "model/Model.h"
 
 #include <QElapsedTimer>
@@ -20,16 +21,16 @@ class TerminalSet {
 public:
     TerminalSet() = default;
     explicit TerminalSet(int terminals)
-        : m_words((static_cast<std::size_t>(terminals) + 64) / 64, 0)
+        : m_words((terminals + 64) / 64, 0)
     {
     }
-    void Add(int t) { m_words[static_cast<std::size_t>(t) >> 6] |= std::uint64_t{1} << (t & 63); }
-    bool Contains(int t) const { return (m_words[static_cast<std::size_t>(t) >> 6] >> (t & 63)) & 1; }
+    void Add(int t) { m_words[t >> 6] |= std::uint64_t{1} << (t & 63); }
+    bool Contains(int t) const { return (m_words[t >> 6] >> (t & 63)) & 1; }
     /// Adds every member of other; true when anything was new.
     bool Merge(const TerminalSet& other)
     {
         std::uint64_t added = 0;
-        for (std::size_t i = 0; i < m_words.size(); ++i) {
+        for (int i = 0; i < m_words.size(); ++i) {
             const std::uint64_t before = m_words[i];
             m_words[i] |= other.m_words[i];
             added |= m_words[i] ^ before;
@@ -50,7 +51,7 @@ public:
     friend bool operator==(const TerminalSet& a, const TerminalSet& b) { return a.m_words == b.m_words; }
 
 private:
-    std::vector<std::uint64_t> m_words;
+    Indexed<std::uint64_t> m_words;  ///< bit t of word t / 64 set when t is a member
 };
 
 /// The state limit of every LR automaton.
@@ -76,17 +77,17 @@ private:
 
 /// The LR(0) automaton: states are kernels of item sets.
 struct Lr0Automaton {
-    std::vector<std::vector<int>> kernels;  ///< by state: its kernel items, ascending
-    std::vector<SparseRow> rows;            ///< by state: the transitions, by code
-    std::vector<int> accessing;             ///< by state: the symbol that leads into it (-2 for state 0)
+    Indexed<std::vector<int>> kernels;  ///< by state: its kernel items, ascending
+    Indexed<SparseRow> rows;            ///< by state: the transitions, by code
+    Indexed<int> accessing;             ///< by state: the symbol that leads into it (-2 for state 0)
 };
 
 /// The canonical LR(1) automaton: a kernel item stands with its look-ahead set.
 struct Lr1Automaton {
-    std::vector<std::vector<int>> kernels;              ///< by state: kernel items, ascending
-    std::vector<std::vector<TerminalSet>> lookaheads;   ///< by state, parallel to kernels
-    std::vector<SparseRow> rows;                        ///< as in Lr0Automaton
-    std::vector<int> accessing;
+    Indexed<std::vector<int>> kernels;              ///< by state: kernel items, ascending
+    Indexed<std::vector<TerminalSet>> lookaheads;   ///< by state, parallel to kernels
+    Indexed<SparseRow> rows;                        ///< as in Lr0Automaton
+    Indexed<int> accessing;
 };
 
 /// Grammar data the builders share: items, left corners, FIRST with the end marker.
@@ -97,13 +98,13 @@ public:
     const Grammar& g;
     LrItems items;
     /// by non-terminal: the non-terminals that can begin it (itself included), in a fixed order.
-    std::vector<std::vector<int>> leftCorners;
+    Indexed<std::vector<int>> leftCorners;
     /// by code: FIRST as a terminal set (terminals: themselves; the end marker written
     /// as "." in a rule counts as a terminal here).
-    std::vector<TerminalSet> first;
+    Indexed<TerminalSet> first;
     /// by item: FIRST of the symbols after the next one, and whether they are all nullable.
-    std::vector<TerminalSet> tailFirst;
-    std::vector<char> tailNullable;
+    Indexed<TerminalSet> tailFirst;
+    Indexed<char> tailNullable;
 
     /// The items of a closure that are complete: kernel items at their end and the
     /// empty rules of the non-terminals the kernel can begin with.
@@ -114,19 +115,12 @@ public:
     std::vector<int> ClosureNonterminals(const std::vector<int>& kernel) const;
 
 private:
-    mutable std::vector<unsigned> m_mark;
+    mutable Indexed<unsigned> m_mark;
     mutable unsigned m_stamp = 0;
 };
 
 /// Builds the LR(0) automaton through the pass frame. False after Stop or a limit.
 bool BuildLr0(const LrGrammar& lg, PassFrame& frame, Lr0Automaton& automaton);
-
-/// LALR(1) look-aheads of every reduce of an LR(0) automaton, by DeRemer and
-/// Pennello's relations. Result: by state, the pairs (rule, look-ahead set) of
-/// its complete items, in the order of CompleteItems. False when stopped.
-using ReduceLookaheads = std::vector<std::vector<std::pair<int, TerminalSet>>>;
-bool ComputeLalrLookaheads(const LrGrammar& lg, const Lr0Automaton& automaton, Model& model,
-                           IAnazer& analyser, ReduceLookaheads& result);
 
 /// The closure of an LR(1) kernel: its non-terminals, each with one look-ahead
 /// set that all its items share (seeded by the kernel items, then spread along
@@ -136,13 +130,13 @@ public:
     explicit Lr1Closure(const LrGrammar& lg);
     /// Computes the closure; returns its non-terminals.
     const std::vector<int>& Compute(const std::vector<int>& kernel, const std::vector<TerminalSet>& kernelLa);
-    const TerminalSet& Lookahead(int nonterminal) const { return m_la[static_cast<std::size_t>(nonterminal)]; }
+    const TerminalSet& Lookahead(int nonterminal) const { return m_la[nonterminal]; }
 
 private:
     const LrGrammar& m_lg;
     std::vector<int> m_nts;
-    std::vector<TerminalSet> m_la;
-    std::vector<char> m_queued;
+    Indexed<TerminalSet> m_la;
+    Indexed<char> m_queued;
     std::vector<int> m_work;
 };
 

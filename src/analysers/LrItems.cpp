@@ -4,23 +4,22 @@
 
 LrItems::LrItems(const Grammar& g)
 {
-    const std::size_t rules = static_cast<std::size_t>(g.ruleCount) + 1;
-    m_base.resize(rules);
-    m_length.resize(rules);
-    m_rulesOf.resize(static_cast<std::size_t>(g.lastCode) + 1);
+    m_base.resize(g.ruleCount + 1);
+    m_length.resize(g.ruleCount + 1);
+    m_rulesOf.resize(g.lastCode + 1);
     for (int r = 0; r <= g.ruleCount; ++r) {
         const std::vector<int>& rule = g.rules[static_cast<std::size_t>(r)];
         const bool empty = r > 0 && g.ruleIsEmpty[static_cast<std::size_t>(r)];
         const int length = empty ? 0 : static_cast<int>(rule.size()) - 1;
-        m_base[static_cast<std::size_t>(r)] = static_cast<int>(m_rule.size());
-        m_length[static_cast<std::size_t>(r)] = length;
+        m_base[r] = m_rule.size();
+        m_length[r] = length;
         for (int d = 0; d <= length; ++d) {
             m_rule.push_back(r);
             m_dot.push_back(d);
             m_next.push_back(d < length ? rule[static_cast<std::size_t>(d) + 1] : -1);
         }
         if (r > 0)
-            m_rulesOf[static_cast<std::size_t>(rule[0])].push_back(r);
+            m_rulesOf[rule[0]].push_back(r);
     }
 }
 

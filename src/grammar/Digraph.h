@@ -7,6 +7,7 @@
 #pragma once
 
 #include "grammar/CodeList.h"
+#include "grammar/Indexed.h"
 
 #include <algorithm>
 #include <climits>
@@ -22,10 +23,10 @@ bool Digraph(int lo, int hi, Edges edges, std::vector<Set>& sets, Tick tick)
 {
     if (hi < lo)
         return true;
-    auto at = [lo](int x) { return static_cast<std::size_t>(x - lo); };
+    auto at = [lo](int x) { return x - lo; };
     auto set = [&sets](int x) -> Set& { return sets[static_cast<std::size_t>(x)]; };
     // N(x): 0 unvisited, INT_MAX finished, otherwise the lowest stack depth x reaches.
-    std::vector<int> n(static_cast<std::size_t>(hi - lo + 1), 0);
+    Indexed<int> n(hi - lo + 1, 0);
     std::vector<int> stack;
     // An explicit frame stack instead of recursion: chains can be thousands deep.
     struct Frame {

@@ -51,19 +51,19 @@ void Grammar::FindFollowB()
     // A reaches, and C has its edge to X, so A reaches X as well. One run of the
     // digraph algorithm thus gives the least fixpoint that passes over
     // snapshots reach only after hundreds of passes.
-    std::vector<CodeList> includes(codes);
+    Indexed<CodeList> includes(lastCode + 1);
     for (int r = 1; r <= ruleCount; ++r) {
         const std::vector<int>& rule = rules[static_cast<std::size_t>(r)];
         if (!ruleIsEmpty[static_cast<std::size_t>(r)] && IsNonterminal(rule.back()))
-            includes[static_cast<std::size_t>(rule.back())].Add(rule[0]);
+            includes[rule.back()].Add(rule[0]);
     }
     for (int a = firstNonterminal; a <= lastCode; ++a)
         for (int x : followB[static_cast<std::size_t>(a)])
             if (IsNonterminal(x) && nullable[static_cast<std::size_t>(x)])
-                includes[static_cast<std::size_t>(a)].Add(x);
+                includes[a].Add(x);
     const bool complete = Digraph(
         firstNonterminal, lastCode,
-        [&](int a) -> const std::vector<int>& { return includes[static_cast<std::size_t>(a)].Items(); }, followB,
+        [&](int a) -> const std::vector<int>& { return includes[a].Items(); }, followB,
         [&] { return !stopped(); });
     if (!complete)
         return;

@@ -6,6 +6,7 @@
 
 #include "grammar/CodeList.h"
 #include "grammar/Host.h"
+#include "grammar/Indexed.h"
 
 #include <QString>
 #include <array>
@@ -234,8 +235,8 @@ public:
 
     // ---- Snapshot taken by MakeACopy -----------------------------------------
 
-    std::vector<QString> copySymbolNames;
-    std::vector<std::vector<int>> copyRules;
+    Indexed<QString> copySymbolNames;        ///< index code + 2, as symbolNames
+    Indexed<std::vector<int>> copyRules;     ///< 0..copyRuleCount, as rules
     int copyGoal = 0;
     int copyFirstNonterminal = 1;
     int copyTerminalCount = 0;
@@ -268,7 +269,7 @@ private:
     /// One line per non-terminal: label, symbol, ")", " = " and the members.
     QString BuildSetReport(const QString& label, const std::vector<CodeList>& sets) const;
     /// Every symbol printed with GetSymbolS, by code (reports print many members).
-    std::vector<QString> PrintedSymbols() const;
+    Indexed<QString> PrintedSymbols() const;
     /// The width to which "LABEL(" + symbol + ")" is padded, so that the "="
     /// signs of a report line up.
     qsizetype LabelWidth(qsizetype labelLength) const;

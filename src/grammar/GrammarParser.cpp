@@ -68,9 +68,9 @@ public:
     {
     }
 
-    std::vector<QString> terminals{QString()};     ///< from 1
-    std::optional<ParseError> error;               ///< the place and text of the failure
-    std::vector<QString> nonterminals{QString()};  ///< from 1
+    Indexed<QString> terminals{QString()};     ///< from 1
+    Indexed<QString> nonterminals{QString()};  ///< from 1
+    std::optional<ParseError> error;           ///< the place and text of the failure
 
     int AddTerminalName(const QString& name)
     {
@@ -78,7 +78,7 @@ public:
         if (it != m_terminalIndex.constEnd())
             return *it;
         terminals.push_back(name);
-        const int position = static_cast<int>(terminals.size()) - 1;
+        const int position = terminals.size() - 1;
         m_terminalIndex.insert(name, position);
         return position;
     }
@@ -89,7 +89,7 @@ public:
         if (it != m_nonterminalIndex.constEnd())
             return -*it;
         nonterminals.push_back(name);
-        const int position = static_cast<int>(nonterminals.size()) - 1;
+        const int position = nonterminals.size() - 1;
         m_nonterminalIndex.insert(name, position);
         return -position;
     }
@@ -264,8 +264,8 @@ bool Grammar::ParseGrammarText(const QString& text)
             return false;
     }
 
-    terminalCount = static_cast<int>(reader.terminals.size()) - 1;
-    const int nonterminals = static_cast<int>(reader.nonterminals.size()) - 1;
+    terminalCount = reader.terminals.size() - 1;
+    const int nonterminals = reader.nonterminals.size() - 1;
     firstNonterminal = terminalCount + 1;
     lastCode = terminalCount + nonterminals;
     terminalNames = reader.terminals;
@@ -273,9 +273,9 @@ bool Grammar::ParseGrammarText(const QString& text)
     symbolNames.resize(static_cast<std::size_t>(lastCode) + 3);
     symbolNames[1] = QString(QChar(0x2022));  // the item mark of LR displays
     for (int t = 1; t <= terminalCount; ++t)
-        symbolNames[static_cast<std::size_t>(t + 2)] = reader.terminals[static_cast<std::size_t>(t)];
+        symbolNames[static_cast<std::size_t>(t + 2)] = reader.terminals[t];
     for (int q = 1; q <= nonterminals; ++q)
-        symbolNames[static_cast<std::size_t>(terminalCount + q + 2)] = reader.nonterminals[static_cast<std::size_t>(q)];
+        symbolNames[static_cast<std::size_t>(terminalCount + q + 2)] = reader.nonterminals[q];
 
     // Re-code and store the rules (AddRuleUnique). Names are unique within each
     // list and the final table lists terminals, then non-terminals, in list
@@ -341,11 +341,11 @@ bool Grammar::SetText(const QString& text)
 
 bool Grammar::CheckDefinitions()
 {
-    std::vector<char> defined(static_cast<std::size_t>(lastCode) + 1, 0);
+    Indexed<char> defined(lastCode + 1, 0);
     for (int r = 1; r <= ruleCount; ++r)
-        defined[static_cast<std::size_t>(rules[static_cast<std::size_t>(r)][0])] = 1;
+        defined[rules[static_cast<std::size_t>(r)][0]] = 1;
     for (int a = firstNonterminal; a <= lastCode; ++a)
-        if (!defined[static_cast<std::size_t>(a)]) {
+        if (!defined[a]) {
             m_parseError = ParseError{0, 0, QStringLiteral("Non-terminal ") + SymbolName(a) + QStringLiteral(" is not defined.")};
             host().critical(m_parseError->text);
             return false;

@@ -13,18 +13,18 @@ namespace {
 const QChar kEpsilon(0x03B5);
 
 /// The characters AppendMembers writes for set.
-qsizetype MembersLength(const CodeList& set, const std::vector<QString>& printed)
+qsizetype MembersLength(const CodeList& set, const Indexed<QString>& printed)
 {
     qsizetype length = set.IsEmpty() ? 0 : 2 * static_cast<qsizetype>(set.Count() - 1);
     for (int c : set)
-        length += printed[static_cast<std::size_t>(c)].size();
+        length += printed[c].size();
     return length;
 }
 
 /// Appends the members of set as printed, joined by ", ". Written in place,
 /// one resize per line: two appends per member cost more than the copying
 /// itself in the reports of the big grammars.
-void AppendMembers(QString& text, const CodeList& set, const std::vector<QString>& printed)
+void AppendMembers(QString& text, const CodeList& set, const Indexed<QString>& printed)
 {
     const qsizetype at = text.size();
     text.resize(at + MembersLength(set, printed));
@@ -34,7 +34,7 @@ void AppendMembers(QString& text, const CodeList& set, const std::vector<QString
             *out++ = QLatin1Char(',');
             *out++ = QLatin1Char(' ');
         }
-        const QString& symbol = printed[static_cast<std::size_t>(set[i])];
+        const QString& symbol = printed[set[i]];
         out = std::copy(symbol.cbegin(), symbol.cend(), out);
     }
 }
@@ -52,18 +52,18 @@ void AppendLabel(QString& text, QStringView label, QStringView what, qsizetype w
 }
 
 /// Label, " = " and CR LF of one line, besides its members.
-qsizetype LineLength(qsizetype labelWidth, const CodeList& set, const std::vector<QString>& printed)
+qsizetype LineLength(qsizetype labelWidth, const CodeList& set, const Indexed<QString>& printed)
 {
     return labelWidth + 5 + MembersLength(set, printed);
 }
 
 } // namespace
 
-std::vector<QString> Grammar::PrintedSymbols() const
+Indexed<QString> Grammar::PrintedSymbols() const
 {
-    std::vector<QString> printed(static_cast<std::size_t>(lastCode) + 1);
+    Indexed<QString> printed(lastCode + 1);
     for (int c = 0; c <= lastCode; ++c)
-        printed[static_cast<std::size_t>(c)] = GetSymbolS(c);
+        printed[c] = GetSymbolS(c);
     return printed;
 }
 
@@ -87,7 +87,7 @@ QString Grammar::BuildFirstReport() const
     // FIRST of every non-terminal ("ε" closes the list of a nullable one), then
     // FIRST of every rule, where ε stands for the entry 0: the right side
     // derives the empty string.
-    std::vector<QString> printed = PrintedSymbols();
+    Indexed<QString> printed = PrintedSymbols();
     const QStringView label = u"FIRST(";
     const qsizetype width = LabelWidth(label.size());
     const qsizetype ruleWidth = QString::number(ruleCount).size() + 8;  // "FIRST(#" n ")"
@@ -100,7 +100,7 @@ QString Grammar::BuildFirstReport() const
     text.reserve(length);
     for (int a = firstNonterminal; a <= lastCode; ++a) {
         const CodeList& set = first[static_cast<std::size_t>(a)];
-        AppendLabel(text, label, printed[static_cast<std::size_t>(a)], width);
+        AppendLabel(text, label, printed[a], width);
         AppendMembers(text, set, printed);
         if (nullable[static_cast<std::size_t>(a)])
             text.append(set.IsEmpty() ? QString(kEpsilon) : QStringLiteral(", ") + kEpsilon);
@@ -118,7 +118,7 @@ QString Grammar::BuildFirstReport() const
 
 QString Grammar::BuildSetReport(const QString& label, const std::vector<CodeList>& sets) const
 {
-    const std::vector<QString> printed = PrintedSymbols();
+    const Indexed<QString> printed = PrintedSymbols();
     const qsizetype width = LabelWidth(label.size());
     qsizetype length = 0;
     for (int a = firstNonterminal; a <= lastCode; ++a)
@@ -126,7 +126,7 @@ QString Grammar::BuildSetReport(const QString& label, const std::vector<CodeList
     QString text;
     text.reserve(length);
     for (int a = firstNonterminal; a <= lastCode; ++a) {
-        AppendLabel(text, label, printed[static_cast<std::size_t>(a)], width);
+        AppendLabel(text, label, printed[a], width);
         AppendMembers(text, sets[static_cast<std::size_t>(a)], printed);
         text.append(u"\r\n");
     }
@@ -168,7 +168,7 @@ QString Grammar::CommentedFollowSets()
     if (!GetFlag(GrammarFlag::FollowBDone) || !GetFlag(GrammarFlag::FollowLDone)
         || !GetFlag(GrammarFlag::FollowRDone))
         return NotAnalyzed;
-    const std::vector<QString> printed = PrintedSymbols();
+    const Indexed<QString> printed = PrintedSymbols();
     const struct {
         QStringView label;
         const std::vector<CodeList>& sets;
@@ -184,7 +184,7 @@ QString Grammar::CommentedFollowSets()
         if (a > firstNonterminal)
             text.append(u"\r\n");
         for (const auto& kind : kinds) {
-            AppendLabel(text, kind.label, printed[static_cast<std::size_t>(a)], width);
+            AppendLabel(text, kind.label, printed[a], width);
             AppendMembers(text, kind.sets[static_cast<std::size_t>(a)], printed);
             text.append(u"\r\n");
         }
@@ -214,13 +214,13 @@ QString Grammar::CommentedRules()
     header("Left-recursive:", GetFlag(GrammarFlag::LeftRecursive) ? QStringLiteral("yes") : QStringLiteral("no"));
     text.append(u"\r\n");
 
-    const std::vector<QString> printed = PrintedSymbols();
+    const Indexed<QString> printed = PrintedSymbols();
     const qsizetype numberWidth = QString::number(ruleCount).size() + 1;
     const qsizetype leftWidth = maxNonterminalName + 2;
     for (int r = 0; r <= ruleCount; ++r) {
         const std::vector<int>& rule = rules[static_cast<std::size_t>(r)];
         text += (QLatin1Char('#') + QString::number(r)).rightJustified(numberWidth) + QLatin1Char(' ');
-        text += (r == 0 ? GetSymbolS(rule[0]) : printed[static_cast<std::size_t>(rule[0])]).leftJustified(leftWidth);
+        text += (r == 0 ? GetSymbolS(rule[0]) : printed[rule[0]]).leftJustified(leftWidth);
         text.append(u" =");
         if (ruleIsEmpty[static_cast<std::size_t>(r)]) {
             text.append(QLatin1Char(' '));
@@ -228,7 +228,7 @@ QString Grammar::CommentedRules()
         } else {
             for (std::size_t i = 1; i < rule.size(); ++i) {
                 text.append(QLatin1Char(' '));
-                text.append(printed[static_cast<std::size_t>(rule[i])]);
+                text.append(printed[rule[i]]);
             }
         }
         text.append(u"\r\n");

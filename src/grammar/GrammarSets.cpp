@@ -26,8 +26,8 @@ void Grammar::ComputeFirstSets()
     // Nullable marks: an empty rule marks its left side; a rule whose right side
     // is all nullable non-terminals marks its left side. Worklist over the
     // number of not-yet-nullable symbols left in each rule.
-    std::vector<int> pending(ruleSlots, 0);
-    std::vector<std::vector<int>> usedIn(codes);
+    Indexed<int> pending(ruleCount + 1, 0);
+    Indexed<std::vector<int>> usedIn(lastCode + 1);
     std::vector<int> work;
     for (int r = 1; r <= ruleCount; ++r) {
         const std::vector<int>& rule = rules[static_cast<std::size_t>(r)];
@@ -39,12 +39,12 @@ void Grammar::ComputeFirstSets()
         for (std::size_t i = 1; i < rule.size(); ++i)
             hasTerminal |= !IsNonterminal(rule[i]);
         if (hasTerminal) {
-            pending[static_cast<std::size_t>(r)] = -1;  // can never become nullable
+            pending[r] = -1;  // can never become nullable
             continue;
         }
-        pending[static_cast<std::size_t>(r)] = static_cast<int>(rule.size()) - 1;
+        pending[r] = static_cast<int>(rule.size()) - 1;
         for (std::size_t i = 1; i < rule.size(); ++i)
-            usedIn[static_cast<std::size_t>(rule[i])].push_back(r);
+            usedIn[rule[i]].push_back(r);
     }
     while (!work.empty()) {
         const int r = work.back();
@@ -54,8 +54,8 @@ void Grammar::ComputeFirstSets()
         if (nullable[static_cast<std::size_t>(a)])
             continue;
         nullable[static_cast<std::size_t>(a)] = 1;
-        for (int user : usedIn[static_cast<std::size_t>(a)])
-            if (--pending[static_cast<std::size_t>(user)] == 0)
+        for (int user : usedIn[a])
+            if (--pending[user] == 0)
                 work.push_back(user);
     }
 

@@ -19,11 +19,11 @@ namespace {
 ///    "no" (the literal search would loop there).
 class RecursionSearch {
 public:
-    RecursionSearch(Grammar& g, const std::vector<std::vector<int>>& rulesOf)
+    RecursionSearch(Grammar& g, const Indexed<std::vector<int>>& rulesOf)
         : m_g(g)
         , m_rulesOf(rulesOf)
-        , m_state(static_cast<std::size_t>(g.ruleCount) + 1, Unknown)
-        , m_stamp(static_cast<std::size_t>(g.ruleCount) + 1, 0)
+        , m_state(g.ruleCount + 1, Unknown)
+        , m_stamp(g.ruleCount + 1, 0)
     {
     }
 
@@ -36,24 +36,23 @@ public:
 
     bool Search(int k)
     {
-        const std::size_t ki = static_cast<std::size_t>(k);
-        if (m_stamp[ki] == m_generation) {
-            if (m_state[ki] == OnPath)
+        if (m_stamp[k] == m_generation) {
+            if (m_state[k] == OnPath)
                 return false;
-            return m_state[ki] == Yes;
+            return m_state[k] == Yes;
         }
-        m_stamp[ki] = m_generation;
-        m_state[ki] = OnPath;
+        m_stamp[k] = m_generation;
+        m_state[k] = OnPath;
 
-        const int x = m_g.rules[ki][1];
+        const int x = m_g.rules[static_cast<std::size_t>(k)][1];
         bool answer = false;
-        for (int j : m_rulesOf[static_cast<std::size_t>(x)]) {
+        for (int j : m_rulesOf[x]) {
             if (j == k)
                 continue;
             const int y = m_g.rules[static_cast<std::size_t>(j)][1];
             if (y == m_target) {
                 answer = true;
-                m_state[ki] = Yes;
+                m_state[k] = Yes;
                 return true;
             }
             if (m_g.IsNonterminal(y) && y != x)
@@ -62,16 +61,16 @@ public:
             if (!m_g.InProcess())
                 break;
         }
-        m_state[ki] = answer ? Yes : No;
+        m_state[k] = answer ? Yes : No;
         return answer;
     }
 
 private:
     enum State : char { Unknown, OnPath, Yes, No };
     Grammar& m_g;
-    const std::vector<std::vector<int>>& m_rulesOf;
-    std::vector<char> m_state;           ///< by rule: the memoised answer of Search(k)
-    std::vector<unsigned> m_stamp;       ///< by rule: the generation m_state belongs to
+    const Indexed<std::vector<int>>& m_rulesOf;  ///< by code: the rules of a non-terminal
+    Indexed<char> m_state;       ///< by rule: the memoised answer of Search(k)
+    Indexed<unsigned> m_stamp;   ///< by rule: the generation m_state belongs to
     unsigned m_generation = 0;
     int m_target = 0;
 };
@@ -96,9 +95,9 @@ bool Grammar::FindLeftRecursion()
     }
 
     // The rules of each non-terminal, in rule order.
-    std::vector<std::vector<int>> rulesOf(static_cast<std::size_t>(lastCode) + 1);
+    Indexed<std::vector<int>> rulesOf(lastCode + 1);
     for (int r = 1; r <= ruleCount; ++r)
-        rulesOf[static_cast<std::size_t>(rules[static_cast<std::size_t>(r)][0])].push_back(r);
+        rulesOf[rules[static_cast<std::size_t>(r)][0]].push_back(r);
 
     // Indirect pass: from the first symbol X of a rule of A, search for A.
     RecursionSearch search(*this, rulesOf);

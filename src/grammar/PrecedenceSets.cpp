@@ -86,13 +86,13 @@ bool Grammar::ClosePrecedenceSets(std::vector<CodeList>& sets)
     // sets but take cubic time on long chains of non-terminals. The order of the
     // members shows nowhere: a relation cell collects its codes in the order of
     // the rules and steps that enter them, whatever the order of the sets.
-    const std::vector<CodeList> direct = sets;
+    const Indexed<CodeList> direct(sets);
     for (int a = firstNonterminal; a <= lastCode; ++a) {
         CodeList& set = sets[static_cast<std::size_t>(a)];
         for (int k = 0; k < set.Count(); ++k) {
             const int member = set[k];
             if (member != a && IsNonterminal(member))
-                set.Merge(direct[static_cast<std::size_t>(member)]);
+                set.Merge(direct[member]);
         }
         host().yield();
         if (!InProcess())

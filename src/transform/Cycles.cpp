@@ -22,14 +22,14 @@ namespace {
 /// Whether some cycle of A =>+ A passes a rule that is not a unit rule.
 bool CycleNeedsEmptyRules(const Grammar& g, const Productions& rules)
 {
-    const std::vector<char> nullable = NullableMarks(g, rules);
-    const auto isNullable = [&](int x) { return IsCopyNonterminal(g, x) && nullable[static_cast<std::size_t>(x)]; };
+    const Indexed<char> nullable = NullableMarks(g, rules);
+    const auto isNullable = [&](int x) { return IsCopyNonterminal(g, x) && nullable[x]; };
     struct Edge {
         int from, to;
         bool unit;
     };
     std::vector<Edge> edges;
-    Graph graph(static_cast<std::size_t>(g.copyLastCode) + 1);
+    Graph graph(g.copyLastCode + 1);
     for (const Production& p : rules) {
         int notNullable = 0;
         for (int x : p.right)
@@ -38,14 +38,12 @@ bool CycleNeedsEmptyRules(const Grammar& g, const Productions& rules)
             if (!IsCopyNonterminal(g, x) || notNullable - (isNullable(x) ? 0 : 1) != 0)
                 continue;
             edges.push_back({p.left, x, p.right.size() == 1});
-            graph[static_cast<std::size_t>(p.left)].push_back(x);
+            graph[p.left].push_back(x);
         }
     }
-    const std::vector<int> component = Components(graph);
-    return std::any_of(edges.begin(), edges.end(), [&](const Edge& e) {
-        return !e.unit
-            && component[static_cast<std::size_t>(e.from)] == component[static_cast<std::size_t>(e.to)];
-    });
+    const Indexed<int> component = Components(graph);
+    return std::any_of(edges.begin(), edges.end(),
+                       [&](const Edge& e) { return !e.unit && component[e.from] == component[e.to]; });
 }
 
 } // namespace
@@ -61,26 +59,22 @@ bool EliminateCycles(Grammar& g, bool letters)
     if (Stopped(g))
         return false;
 
-    Graph unit(static_cast<std::size_t>(g.copyLastCode) + 1);
+    Graph unit(g.copyLastCode + 1);
     for (const Production& p : rules)
         if (p.right.size() == 1 && IsCopyNonterminal(g, p.right[0]))
-            unit[static_cast<std::size_t>(p.left)].push_back(p.right[0]);
-    const std::vector<int> component = Components(unit);
+            unit[p.left].push_back(p.right[0]);
+    const Indexed<int> component = Components(unit);
 
     // The member that stands for its component: the goal when it is one,
     // otherwise the member with the lowest code (the first to appear).
-    std::vector<int> representative(unit.size(), -1);
-    const std::size_t goalComponent = static_cast<std::size_t>(component[static_cast<std::size_t>(g.copyGoal)]);
-    representative[goalComponent] = g.copyGoal;
+    Indexed<int> representative(unit.size(), -1);
+    representative[component[g.copyGoal]] = g.copyGoal;
     for (int a = g.copyFirstNonterminal; a <= g.copyLastCode; ++a) {
-        int& r = representative[static_cast<std::size_t>(component[static_cast<std::size_t>(a)])];
+        int& r = representative[component[a]];
         if (r < 0)
             r = a;
     }
-    const auto mapped = [&](int x) {
-        return IsCopyNonterminal(g, x) ? representative[static_cast<std::size_t>(component[static_cast<std::size_t>(x)])]
-                                       : x;
-    };
+    const auto mapped = [&](int x) { return IsCopyNonterminal(g, x) ? representative[component[x]] : x; };
 
     Productions result;
     std::set<Production> seen;

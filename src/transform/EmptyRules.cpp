@@ -26,9 +26,9 @@ void AddOnce(Productions& rules, std::set<Production>& seen, Production p)
 bool EliminateEmptyRules(Grammar& g, bool letters)
 {
     const Productions rules = CopyProductions(g);
-    const std::vector<char> nullable = NullableMarks(g, rules);
+    const Indexed<char> nullable = NullableMarks(g, rules);
     const int goal = g.copyGoal;
-    const auto isNullable = [&](int x) { return IsCopyNonterminal(g, x) && nullable[static_cast<std::size_t>(x)]; };
+    const auto isNullable = [&](int x) { return IsCopyNonterminal(g, x) && nullable[x]; };
 
     // Every rule A -> X1..Xk gives the rules that leave out any choice of its
     // nullable symbols, except the empty choice and A -> A (which adds nothing).
@@ -76,15 +76,15 @@ bool EliminateEmptyRules(Grammar& g, bool letters)
     // left; the rules that name it go too, until every named symbol has rules.
     // Each such occurrence was nullable, so the rule without it is already there.
     for (bool dropped = true; dropped;) {
-        std::vector<char> hasRules(static_cast<std::size_t>(g.copyLastCode) + 1, 0);
+        Indexed<char> hasRules(g.copyLastCode + 1, 0);
         for (const Production& p : result)
             if (!p.right.empty())
-                hasRules[static_cast<std::size_t>(p.left)] = 1;
+                hasRules[p.left] = 1;
         Productions kept;
         dropped = false;
         for (const Production& p : result) {
             const bool defined = std::all_of(p.right.begin(), p.right.end(), [&](int x) {
-                return !IsCopyNonterminal(g, x) || hasRules[static_cast<std::size_t>(x)];
+                return !IsCopyNonterminal(g, x) || hasRules[x];
             });
             if (defined)
                 kept.push_back(p);
@@ -96,7 +96,7 @@ bool EliminateEmptyRules(Grammar& g, bool letters)
 
     // A goal that derives nothing loses its last rules here (S = S B with B =>* ε
     // leaves only S = S): it cannot be written as a grammar.
-    if (!nullable[static_cast<std::size_t>(goal)] && !GoalDefined(g, result)) {
+    if (!nullable[goal] && !GoalDefined(g, result)) {
         RefuseBarrenGoal(g);
         return false;
     }
@@ -108,12 +108,12 @@ bool EliminateEmptyRules(Grammar& g, bool letters)
     for (const Production& p : result)
         for (int x : p.right)
             goalOnRight = goalOnRight || x == goal;
-    if (nullable[static_cast<std::size_t>(goal)] && goalOnRight) {
+    if (nullable[goal] && goalOnRight) {
         std::erase(result, Production{goal, {}});
         const int start = NewNonterminal(g, goal, letters);
         g.copyGoal = start;
         result.insert(result.begin(), {Production{start, {goal}}, Production{start, {}}});
-    } else if (nullable[static_cast<std::size_t>(goal)] && std::find(result.begin(), result.end(), Production{goal, {}}) == result.end()) {
+    } else if (nullable[goal] && std::find(result.begin(), result.end(), Production{goal, {}}) == result.end()) {
         result.insert(result.begin(), Production{goal, {}});
     }
     SetCopyProductions(g, result);

@@ -9,16 +9,15 @@ namespace {
 /// The rule groups of a rule array: for each non-terminal code from the copy's
 /// first non-terminal to its last symbol code, its rules in array order. Sets
 /// the grammar's last symbol code to the copy's, as the grouping always has.
-std::vector<std::vector<std::vector<int>>> RuleGroups(Grammar& g, const std::vector<std::vector<int>>& rules)
+Indexed<std::vector<std::vector<int>>> RuleGroups(Grammar& g, const Indexed<std::vector<int>>& rules)
 {
     g.lastCode = g.copyLastCode;
     const int first = g.copyFirstNonterminal;
-    std::vector<std::vector<std::vector<int>>> groups(
-        static_cast<std::size_t>(std::max(0, g.copyLastCode - first + 1)));
-    for (std::size_t r = 1; r < rules.size(); ++r) {
+    Indexed<std::vector<std::vector<int>>> groups(std::max(0, g.copyLastCode - first + 1));
+    for (int r = 1; r < rules.size(); ++r) {
         const int left = rules[r][0];
         if (left >= first && left <= g.copyLastCode)
-            groups[static_cast<std::size_t>(left - first)].push_back(rules[r]);
+            groups[left - first].push_back(rules[r]);
     }
     return groups;
 }

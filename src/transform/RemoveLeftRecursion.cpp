@@ -25,20 +25,20 @@ namespace {
 /// The component of each code in the left-corner graph, and the edges.
 struct CornerGraph {
     std::vector<LeftCorner> edges;
-    std::vector<int> component;
+    Indexed<int> component;
 
     CornerGraph(const Grammar& g, const Productions& rules)
         : edges(LeftCorners(g, rules, NullableMarks(g, rules)))
     {
-        Graph graph(static_cast<std::size_t>(g.copyLastCode) + 1);
+        Graph graph(g.copyLastCode + 1);
         for (const LeftCorner& e : edges)
-            graph[static_cast<std::size_t>(e.from)].push_back(e.to);
+            graph[e.from].push_back(e.to);
         component = Components(graph);
     }
 
     bool OnCycle(const LeftCorner& e) const
     {
-        return component[static_cast<std::size_t>(e.from)] == component[static_cast<std::size_t>(e.to)];
+        return component[e.from] == component[e.to];
     }
     bool LeftRecursive() const
     {
@@ -63,26 +63,26 @@ public:
     Paull(Grammar& g, bool letters, const Productions& rules)
         : m_g(g)
         , m_letters(letters)
-        , m_alternatives(static_cast<std::size_t>(g.copyLastCode) + 1)
+        , m_alternatives(g.copyLastCode + 1)
     {
         for (const Production& p : rules)
-            m_alternatives[static_cast<std::size_t>(p.left)].push_back(p.right);
+            m_alternatives[p.left].push_back(p.right);
         // The goal first, then the others in code order.
         m_order.push_back(g.copyGoal);
         for (int a = g.copyFirstNonterminal; a <= g.copyLastCode; ++a)
-            if (a != g.copyGoal && !m_alternatives[static_cast<std::size_t>(a)].empty())
+            if (a != g.copyGoal && !m_alternatives[a].empty())
                 m_order.push_back(a);
         m_position.assign(m_alternatives.size(), -1);
-        for (std::size_t i = 0; i < m_order.size(); ++i)
-            m_position[static_cast<std::size_t>(m_order[i])] = static_cast<int>(i);
+        for (int i = 0; i < m_order.size(); ++i)
+            m_position[m_order[i]] = i;
         m_primeOf.assign(m_alternatives.size(), 0);
     }
 
     /// False when stopped.
     bool Run()
     {
-        for (std::size_t i = 0; i < m_order.size(); ++i) {
-            if (!Substitute(static_cast<int>(i)))
+        for (int i = 0; i < m_order.size(); ++i) {
+            if (!Substitute(i))
                 return false;
             EliminateImmediate(m_order[i]);
             if (Stopped(m_g))
@@ -96,10 +96,10 @@ public:
     {
         Productions rules;
         for (int a : m_order) {
-            for (int x : {a, m_primeOf[static_cast<std::size_t>(a)]}) {
+            for (int x : {a, m_primeOf[a]}) {
                 if (x == 0)
                     continue;
-                for (const std::vector<int>& right : m_alternatives[static_cast<std::size_t>(x)])
+                for (const std::vector<int>& right : m_alternatives[x])
                     rules.push_back({x, right});
             }
         }
@@ -108,23 +108,23 @@ public:
 
 private:
     /// The non-terminals that reach a through left corners of the current rules.
-    std::vector<char> Reaching(int a) const
+    Indexed<char> Reaching(int a) const
     {
         Productions rules;
-        for (std::size_t x = 0; x < m_alternatives.size(); ++x)
+        for (int x = 0; x < m_alternatives.size(); ++x)
             for (const std::vector<int>& right : m_alternatives[x])
-                rules.push_back({static_cast<int>(x), right});
-        std::vector<std::vector<int>> reverse(m_alternatives.size());
+                rules.push_back({x, right});
+        Indexed<std::vector<int>> reverse(m_alternatives.size());
         for (const LeftCorner& e : LeftCorners(m_g, rules, NullableMarks(m_g, rules)))
-            reverse[static_cast<std::size_t>(e.to)].push_back(e.from);
-        std::vector<char> reaches(m_alternatives.size(), 0);
+            reverse[e.to].push_back(e.from);
+        Indexed<char> reaches(m_alternatives.size(), 0);
         std::vector<int> work{a};
         while (!work.empty()) {
             const int x = work.back();
             work.pop_back();
-            for (int y : reverse[static_cast<std::size_t>(x)])
-                if (!reaches[static_cast<std::size_t>(y)]) {
-                    reaches[static_cast<std::size_t>(y)] = 1;
+            for (int y : reverse[x])
+                if (!reaches[y]) {
+                    reaches[y] = 1;
                     work.push_back(y);
                 }
         }
@@ -135,15 +135,15 @@ private:
     /// every Aj -> delta, until no such rule is left. False when stopped.
     bool Substitute(int i)
     {
-        const int ai = m_order[static_cast<std::size_t>(i)];
-        const std::vector<char> reaches = Reaching(ai);
+        const int ai = m_order[i];
+        const Indexed<char> reaches = Reaching(ai);
         const auto substitutable = [&](const std::vector<int>& right) {
             if (right.empty() || !IsCopyNonterminal(m_g, right[0]))
                 return false;
-            const int j = m_position[static_cast<std::size_t>(right[0])];
-            return j >= 0 && j < i && reaches[static_cast<std::size_t>(right[0])];
+            const int j = m_position[right[0]];
+            return j >= 0 && j < i && reaches[right[0]];
         };
-        auto& alternatives = m_alternatives[static_cast<std::size_t>(ai)];
+        auto& alternatives = m_alternatives[ai];
         while (std::any_of(alternatives.begin(), alternatives.end(), substitutable)) {
             std::vector<std::vector<int>> next;
             std::set<std::vector<int>> seen;
@@ -152,7 +152,7 @@ private:
                     AddOnce(next, seen, right);
                     continue;
                 }
-                for (const std::vector<int>& delta : m_alternatives[static_cast<std::size_t>(right[0])]) {
+                for (const std::vector<int>& delta : m_alternatives[right[0]]) {
                     std::vector<int> replaced = delta;
                     replaced.insert(replaced.end(), right.begin() + 1, right.end());
                     if (replaced.size() == 1 && replaced[0] == ai)
@@ -172,7 +172,7 @@ private:
     void EliminateImmediate(int a)
     {
         std::vector<std::vector<int>> alphas, betas;
-        for (const std::vector<int>& right : m_alternatives[static_cast<std::size_t>(a)]) {
+        for (const std::vector<int>& right : m_alternatives[a]) {
             if (!right.empty() && right[0] == a)
                 alphas.push_back(std::vector<int>(right.begin() + 1, right.end()));
             else
@@ -181,17 +181,17 @@ private:
         if (alphas.empty())
             return;
         const int fresh = NewNonterminal(m_g, a, m_letters);
-        m_alternatives.resize(static_cast<std::size_t>(fresh) + 1);
+        m_alternatives.resize(fresh + 1);
         m_position.resize(m_alternatives.size(), -1);
         m_primeOf.resize(m_alternatives.size(), 0);
-        m_primeOf[static_cast<std::size_t>(a)] = fresh;
-        auto& own = m_alternatives[static_cast<std::size_t>(a)];
+        m_primeOf[a] = fresh;
+        auto& own = m_alternatives[a];
         own.clear();
         for (std::vector<int>& beta : betas) {
             beta.push_back(fresh);
             own.push_back(std::move(beta));
         }
-        auto& tail = m_alternatives[static_cast<std::size_t>(fresh)];
+        auto& tail = m_alternatives[fresh];
         for (std::vector<int>& alpha : alphas) {
             alpha.push_back(fresh);
             tail.push_back(std::move(alpha));
@@ -201,10 +201,10 @@ private:
 
     Grammar& m_g;
     bool m_letters;
-    std::vector<std::vector<std::vector<int>>> m_alternatives;  ///< by code: right sides in order
-    std::vector<int> m_order;     ///< A1..An of the algorithm
-    std::vector<int> m_position;  ///< by code: index in m_order, -1 for new non-terminals
-    std::vector<int> m_primeOf;   ///< by code: the non-terminal made for its recursion, or 0
+    Indexed<std::vector<std::vector<int>>> m_alternatives;  ///< by code: right sides in order
+    Indexed<int> m_order;     ///< A1..An of the algorithm
+    Indexed<int> m_position;  ///< by code: index in m_order, -1 for new non-terminals
+    Indexed<int> m_primeOf;   ///< by code: the non-terminal made for its recursion, or 0
 };
 
 } // namespace
@@ -220,7 +220,7 @@ QStringList LeftRecursion(Grammar& g, bool letters)
 
     // A barren goal is refused before anything else is done: nothing of the
     // grammar could stay.
-    if (!ProductiveMarks(g, rules)[static_cast<std::size_t>(g.copyGoal)]) {
+    if (!ProductiveMarks(g, rules)[g.copyGoal]) {
         RefuseBarrenGoal(g);
         return {};
     }
@@ -229,17 +229,17 @@ QStringList LeftRecursion(Grammar& g, bool letters)
             return {};
         rules = CopyProductions(g);
     }
-    const std::vector<char> cyclic = CyclicMarks(g, rules);
+    const Indexed<char> cyclic = CyclicMarks(g, rules);
     if (std::find(cyclic.begin(), cyclic.end(), 1) != cyclic.end()) {
         if (!EliminateCycles(g, letters))
             return {};
         rules = CopyProductions(g);
     }
-    const std::vector<char> productive = ProductiveMarks(g, rules);
+    const Indexed<char> productive = ProductiveMarks(g, rules);
     std::erase_if(rules, [&](const Production& p) {
-        return !productive[static_cast<std::size_t>(p.left)]
+        return !productive[p.left]
             || std::any_of(p.right.begin(), p.right.end(),
-                           [&](int x) { return !productive[static_cast<std::size_t>(x)]; });
+                           [&](int x) { return !productive[x]; });
     });
     if (Stopped(g))
         return {};

@@ -17,7 +17,7 @@ QStringList RemoveUnusedSymbols(Grammar& g)
     // First pass: empty rules, single terminals, and right parts without non-terminals.
     CodeList productive;
     for (int r = 1; r <= g.copyRuleCount; ++r) {
-        const std::vector<int>& rule = rules[static_cast<std::size_t>(r)];
+        const std::vector<int>& rule = rules[r];
         const int a = rule[0];
         if (rule.size() == 2) {
             const int x = rule[1];
@@ -32,7 +32,7 @@ QStringList RemoveUnusedSymbols(Grammar& g)
     for (int before = -1; before != productive.Count();) {
         before = productive.Count();
         for (int r = 1; r <= g.copyRuleCount; ++r) {
-            const std::vector<int>& rule = rules[static_cast<std::size_t>(r)];
+            const std::vector<int>& rule = rules[r];
             if (rule.size() == 2 && (rule[1] == rule[0] || rule[1] == 0))
                 continue;
             bool all = true;
@@ -48,7 +48,7 @@ QStringList RemoveUnusedSymbols(Grammar& g)
     // Barren filter.
     std::vector<std::vector<int>> kept;
     for (int r = 1; r <= g.copyRuleCount; ++r) {
-        const std::vector<int>& rule = rules[static_cast<std::size_t>(r)];
+        const std::vector<int>& rule = rules[r];
         bool all = productive.Contains(rule[0]);
         for (std::size_t i = 1; i < rule.size() && all; ++i)
             all = !IsCopyNonterminal(g, rule[i]) || productive.Contains(rule[i]);

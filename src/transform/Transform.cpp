@@ -11,7 +11,7 @@ namespace {
 bool NameTaken(const Grammar& g, const QString& name)
 {
     for (int c = g.copyFirstNonterminal; c <= g.copyLastCode; ++c)
-        if (g.copySymbolNames[static_cast<std::size_t>(c + 2)].compare(name, Qt::CaseInsensitive) == 0)
+        if (g.copySymbolNames[c + 2].compare(name, Qt::CaseInsensitive) == 0)
             return true;
     return false;
 }
@@ -42,7 +42,7 @@ int NewNonterminal(Grammar& g, int base, bool letters)
             }
     }
     if (name.isEmpty()) {
-        name = g.copySymbolNames[static_cast<std::size_t>(base + 2)];
+        name = g.copySymbolNames[base + 2];
         do {
             name += QLatin1Char('\'');
             g.host().yield();

@@ -12,7 +12,7 @@ Productions CopyProductions(const Grammar& g)
     Productions rules;
     rules.reserve(static_cast<std::size_t>(g.copyRuleCount));
     for (int r = 1; r <= g.copyRuleCount; ++r) {
-        const std::vector<int>& rule = g.copyRules[static_cast<std::size_t>(r)];
+        const std::vector<int>& rule = g.copyRules[r];
         Production p;
         p.left = rule[0];
         const bool empty = rule.size() == 2 && rule[1] == 0;
@@ -41,7 +41,7 @@ void SetCopyProductions(Grammar& g, const Productions& rules)
 
 QString WrittenSymbol(const Grammar& g, int code)
 {
-    const QString& name = g.copySymbolNames[static_cast<std::size_t>(code + 2)];
+    const QString& name = g.copySymbolNames[code + 2];
     if (code == 0)
         return name;
     if (code < g.copyFirstNonterminal)
@@ -54,7 +54,7 @@ QStringList CopyLines(const Grammar& g)
     QStringList lines{WrittenSymbol(g, g.copyGoal)};
     QSet<QString> written;
     for (int r = 1; r <= g.copyRuleCount; ++r) {
-        const std::vector<int>& rule = g.copyRules[static_cast<std::size_t>(r)];
+        const std::vector<int>& rule = g.copyRules[r];
         QString line = WrittenSymbol(g, rule[0]) + QLatin1Char('=');
         for (std::size_t i = 1; i < rule.size(); ++i)
             line += WrittenSymbol(g, rule[i]);
@@ -74,19 +74,19 @@ bool Stopped(Grammar& g)
     return !g.InProcess();
 }
 
-std::vector<char> NullableMarks(const Grammar& g, const Productions& rules)
+Indexed<char> NullableMarks(const Grammar& g, const Productions& rules)
 {
-    std::vector<char> nullable(static_cast<std::size_t>(g.copyLastCode) + 1, 0);
+    Indexed<char> nullable(g.copyLastCode + 1, 0);
     for (bool changed = true; changed;) {
         changed = false;
         for (const Production& p : rules) {
-            if (nullable[static_cast<std::size_t>(p.left)])
+            if (nullable[p.left])
                 continue;
             const bool all = std::all_of(p.right.begin(), p.right.end(), [&](int x) {
-                return IsCopyNonterminal(g, x) && nullable[static_cast<std::size_t>(x)];
+                return IsCopyNonterminal(g, x) && nullable[x];
             });
             if (all) {
-                nullable[static_cast<std::size_t>(p.left)] = 1;
+                nullable[p.left] = 1;
                 changed = true;
             }
         }
@@ -94,20 +94,20 @@ std::vector<char> NullableMarks(const Grammar& g, const Productions& rules)
     return nullable;
 }
 
-std::vector<char> ProductiveMarks(const Grammar& g, const Productions& rules)
+Indexed<char> ProductiveMarks(const Grammar& g, const Productions& rules)
 {
-    std::vector<char> productive(static_cast<std::size_t>(g.copyLastCode) + 1, 0);
+    Indexed<char> productive(g.copyLastCode + 1, 0);
     for (int c = 0; c < g.copyFirstNonterminal; ++c)
-        productive[static_cast<std::size_t>(c)] = 1;
+        productive[c] = 1;
     for (bool changed = true; changed;) {
         changed = false;
         for (const Production& p : rules) {
-            if (productive[static_cast<std::size_t>(p.left)])
+            if (productive[p.left])
                 continue;
             const bool all = std::all_of(p.right.begin(), p.right.end(),
-                                         [&](int x) { return productive[static_cast<std::size_t>(x)] != 0; });
+                                         [&](int x) { return productive[x] != 0; });
             if (all) {
-                productive[static_cast<std::size_t>(p.left)] = 1;
+                productive[p.left] = 1;
                 changed = true;
             }
         }
@@ -118,13 +118,13 @@ std::vector<char> ProductiveMarks(const Grammar& g, const Productions& rules)
 void DropRulesNamingUndefined(const Grammar& g, Productions& rules)
 {
     for (bool dropped = true; dropped;) {
-        std::vector<char> defined(static_cast<std::size_t>(g.copyLastCode) + 1, 0);
+        Indexed<char> defined(g.copyLastCode + 1, 0);
         for (const Production& p : rules)
-            defined[static_cast<std::size_t>(p.left)] = 1;
+            defined[p.left] = 1;
         const auto before = rules.size();
         std::erase_if(rules, [&](const Production& p) {
             return std::any_of(p.right.begin(), p.right.end(), [&](int x) {
-                return IsCopyNonterminal(g, x) && !defined[static_cast<std::size_t>(x)];
+                return IsCopyNonterminal(g, x) && !defined[x];
             });
         });
         dropped = rules.size() != before;
@@ -142,12 +142,12 @@ void RefuseBarrenGoal(Grammar& g)
                          + QStringLiteral(" derives no terminal string."));
 }
 
-std::vector<int> Components(const Graph& graph)
+Indexed<int> Components(const Graph& graph)
 {
     // Tarjan's algorithm, iterative so that long chains cannot exhaust the stack.
-    const std::size_t n = graph.size();
-    std::vector<int> index(n, -1), low(n, 0), component(n, -1);
-    std::vector<char> onStack(n, 0);
+    const int n = graph.size();
+    Indexed<int> index(n, -1), low(n, 0), component(n, -1);
+    Indexed<char> onStack(n, 0);
     std::vector<int> stack;
     int nextIndex = 0, nextComponent = 0;
     struct Frame {
@@ -155,22 +155,22 @@ std::vector<int> Components(const Graph& graph)
         std::size_t edge;
     };
     std::vector<Frame> calls;
-    for (std::size_t root = 0; root < n; ++root) {
+    for (int root = 0; root < n; ++root) {
         if (index[root] >= 0)
             continue;
-        calls.push_back({static_cast<int>(root), 0});
+        calls.push_back({root, 0});
         while (!calls.empty()) {
             Frame& f = calls.back();
-            const std::size_t v = static_cast<std::size_t>(f.node);
+            const int v = f.node;
             if (f.edge == 0 && index[v] < 0) {
                 index[v] = low[v] = nextIndex++;
                 stack.push_back(f.node);
                 onStack[v] = 1;
             }
             if (f.edge < graph[v].size()) {
-                const std::size_t w = static_cast<std::size_t>(graph[v][f.edge++]);
+                const int w = graph[v][f.edge++];
                 if (index[w] < 0)
-                    calls.push_back({static_cast<int>(w), 0});
+                    calls.push_back({w, 0});
                 else if (onStack[w])
                     low[v] = std::min(low[v], index[w]);
                 continue;
@@ -180,14 +180,14 @@ std::vector<int> Components(const Graph& graph)
                 do {
                     w = stack.back();
                     stack.pop_back();
-                    onStack[static_cast<std::size_t>(w)] = 0;
-                    component[static_cast<std::size_t>(w)] = nextComponent;
+                    onStack[w] = 0;
+                    component[w] = nextComponent;
                 } while (w != f.node);
                 ++nextComponent;
             }
             calls.pop_back();
             if (!calls.empty()) {
-                const std::size_t parent = static_cast<std::size_t>(calls.back().node);
+                const int parent = calls.back().node;
                 low[parent] = std::min(low[parent], low[v]);
             }
         }
@@ -195,7 +195,7 @@ std::vector<int> Components(const Graph& graph)
     return component;
 }
 
-std::vector<LeftCorner> LeftCorners(const Grammar& g, const Productions& rules, const std::vector<char>& nullable)
+std::vector<LeftCorner> LeftCorners(const Grammar& g, const Productions& rules, const Indexed<char>& nullable)
 {
     std::vector<LeftCorner> edges;
     for (const Production& p : rules) {
@@ -204,21 +204,21 @@ std::vector<LeftCorner> LeftCorners(const Grammar& g, const Productions& rules, 
             if (!IsCopyNonterminal(g, x))
                 break;
             edges.push_back({p.left, x, i > 0});
-            if (!nullable[static_cast<std::size_t>(x)])
+            if (!nullable[x])
                 break;
         }
     }
     return edges;
 }
 
-std::vector<char> CyclicMarks(const Grammar& g, const Productions& rules)
+Indexed<char> CyclicMarks(const Grammar& g, const Productions& rules)
 {
     // A =>+ A exactly when A reaches itself over edges A -> X for the rules
     // A -> alpha X beta whose alpha and beta are nullable.
-    const std::vector<char> nullable = NullableMarks(g, rules);
-    const auto isNullable = [&](int x) { return IsCopyNonterminal(g, x) && nullable[static_cast<std::size_t>(x)]; };
-    Graph graph(static_cast<std::size_t>(g.copyLastCode) + 1);
-    std::vector<char> selfLoop(graph.size(), 0);
+    const Indexed<char> nullable = NullableMarks(g, rules);
+    const auto isNullable = [&](int x) { return IsCopyNonterminal(g, x) && nullable[x]; };
+    Graph graph(g.copyLastCode + 1);
+    Indexed<char> selfLoop(graph.size(), 0);
     for (const Production& p : rules) {
         const std::size_t k = p.right.size();
         int notNullable = 0;
@@ -231,18 +231,18 @@ std::vector<char> CyclicMarks(const Grammar& g, const Productions& rules)
             // X can stand alone when every other symbol is nullable.
             if (notNullable - (isNullable(x) ? 0 : 1) != 0)
                 continue;
-            graph[static_cast<std::size_t>(p.left)].push_back(x);
+            graph[p.left].push_back(x);
             if (x == p.left)
-                selfLoop[static_cast<std::size_t>(x)] = 1;
+                selfLoop[x] = 1;
         }
     }
-    const std::vector<int> component = Components(graph);
-    std::vector<int> size(graph.size() + 1, 0);
+    const Indexed<int> component = Components(graph);
+    Indexed<int> size(graph.size() + 1, 0);
     for (int c : component)
-        ++size[static_cast<std::size_t>(c)];
-    std::vector<char> cyclic(graph.size(), 0);
-    for (std::size_t a = 0; a < graph.size(); ++a)
-        cyclic[a] = selfLoop[a] || size[static_cast<std::size_t>(component[a])] > 1;
+        ++size[c];
+    Indexed<char> cyclic(graph.size(), 0);
+    for (int a = 0; a < graph.size(); ++a)
+        cyclic[a] = selfLoop[a] || size[component[a]] > 1;
     return cyclic;
 }
 

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "grammar/Grammar.h"
+#include "grammar/Indexed.h"
 
 #include <QStringList>
 #include <vector>
@@ -51,16 +52,16 @@ inline bool IsCopyNonterminal(const Grammar& g, int code)
 }
 
 /// Nullable marks by code (0..copyLastCode): the non-terminal derives the empty sentence.
-std::vector<char> NullableMarks(const Grammar& g, const Productions& rules);
+Indexed<char> NullableMarks(const Grammar& g, const Productions& rules);
 /// Productive marks by code: the non-terminal derives some terminal string (the
 /// empty one included). Terminals and the end marker are productive.
-std::vector<char> ProductiveMarks(const Grammar& g, const Productions& rules);
+Indexed<char> ProductiveMarks(const Grammar& g, const Productions& rules);
 
 /// A directed graph over codes 0..copyLastCode, as adjacency lists.
-using Graph = std::vector<std::vector<int>>;
+using Graph = Indexed<std::vector<int>>;
 /// Strongly connected components (Tarjan 1972, "Depth-first search and linear
 /// graph algorithms"): the component number of each node.
-std::vector<int> Components(const Graph& graph);
+Indexed<int> Components(const Graph& graph);
 
 /// One left-corner edge: rule A -> X1..Xk reaches the non-terminal Xp when
 /// X1..X(p-1) are all nullable; hidden is true when that prefix is not empty.
@@ -69,11 +70,11 @@ struct LeftCorner {
     int to = 0;
     bool hidden = false;
 };
-std::vector<LeftCorner> LeftCorners(const Grammar& g, const Productions& rules, const std::vector<char>& nullable);
+std::vector<LeftCorner> LeftCorners(const Grammar& g, const Productions& rules, const Indexed<char>& nullable);
 
 /// The non-terminals that derive themselves in one or more steps (A =>+ A),
 /// through unit rules and through rules whose other symbols are nullable.
-std::vector<char> CyclicMarks(const Grammar& g, const Productions& rules);
+Indexed<char> CyclicMarks(const Grammar& g, const Productions& rules);
 
 /// Drops the rules that name a non-terminal without rules, until no rule does:
 /// such a non-terminal derives nothing, and neither do those rules.

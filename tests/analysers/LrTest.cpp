@@ -10,6 +10,7 @@
 #include "support/TestPaths.h"
 
 #include <QFile>
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <map>
 #include <set>
@@ -146,6 +147,31 @@ TEST(Lr, StopEndsTheRunWithAnEmptyOutput)
     EXPECT_NE(s.ws.Status(StatusField::Elapsed), QString());
 }
 
+TEST(Lr, StopAtAnyTurnOfTheLalrRunLeavesNoTable)
+{
+    // The LR(0) passes give the message loop a turn between passes, the two
+    // look-ahead walks once per transition; Stop at any of them ends the run.
+    Ready full(kExpr);
+    full.host.yields = 0;
+    full.host.statuses.clear();
+    ASSERT_TRUE(Analysed<Ana08LALR>(full.ws));
+    const long turns = full.host.yields;
+    const long passes = std::count_if(full.host.statuses.begin(), full.host.statuses.end(),
+                                      [](const auto& status) { return status.first == StatusField::Pass; });
+    ASSERT_GT(turns, passes);  // the look-ahead walks turn the loop too
+    for (long k = 1; k <= turns; ++k) {
+        Ready s(kExpr);
+        Ana08LALR lalr(s.ws);
+        lalr.SetInProcess(true);
+        s.host.yields = 0;
+        s.host.stopAfter = k;
+        s.host.stop = [&] { lalr.SetInProcess(false); };
+        EXPECT_FALSE(lalr.Analyze()) << "turn " << k;
+        EXPECT_FALSE(s.ws.grammar.GetFlag(GrammarFlag::AnalysedLALR)) << "turn " << k;
+        EXPECT_EQ(s.ws.lalr.States(), 0) << "turn " << k;
+    }
+}
+
 // ---- LALR(1) against canonical LR(1) with same-core states merged ---------------
 
 /// A reference kept deliberately simple: build the canonical automaton, merge the
@@ -160,7 +186,7 @@ std::map<std::pair<std::vector<int>, int>, std::set<int>> MergedCanonical(Worksp
     Lr1Automaton a;
     EXPECT_TRUE(BuildLr1(lg, frame, a));
     Lr1Closure closure(lg);
-    for (std::size_t s = 0; s < a.kernels.size(); ++s) {
+    for (int s = 0; s < a.kernels.size(); ++s) {
         const std::vector<int>& kernel = a.kernels[s];
         for (std::size_t i = 0; i < kernel.size(); ++i)
             if (lg.items.Complete(kernel[i]) && lg.items.Rule(kernel[i]) != 0)  // rule 0 accepts
