@@ -34,10 +34,10 @@ bool Ana06LL::Analyze()
     bool conflict = false;
     // First pass: each rule under the terminals of its FIRST set.
     for (int r = 1; r <= g.ruleCount; ++r) {
-        if (g.ruleIsEmpty[static_cast<std::size_t>(r)])
+        if (g.ruleIsEmpty[r])
             continue;
-        const int a = g.rules[static_cast<std::size_t>(r)][0];
-        for (int x : g.firstOfRule[static_cast<std::size_t>(r)])
+        const int a = g.rules[r][0];
+        for (int x : g.firstOfRule[r])
             if (x != 0)
                 conflict |= !synta.Enter(a, x, r);
     }
@@ -48,10 +48,10 @@ bool Ana06LL::Analyze()
     // non-terminals only: a terminal anywhere fails the test) under FOLLOWL of
     // its left side, the end of text included.
     for (int r = 1; r <= g.ruleCount; ++r) {
-        const int a = g.rules[static_cast<std::size_t>(r)][0];
-        if (!g.nullable[static_cast<std::size_t>(a)] || !g.ruleNullable[static_cast<std::size_t>(r)])
+        const int a = g.rules[r][0];
+        if (!g.nullable[a] || !g.ruleNullable[r])
             continue;
-        for (int x : g.followL[static_cast<std::size_t>(a)])
+        for (int x : g.followL[a])
             conflict |= !synta.Enter(a, x, r);
     }
     m_model.host().yield();

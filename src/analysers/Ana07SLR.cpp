@@ -29,9 +29,9 @@ bool Ana07SLR::Build(const LrGrammar& lg, PassFrame& frame, ReduceList& reduces)
     for (std::size_t s = 0; s < reduces.size(); ++s)
         for (int item : lg.CompleteItems(automaton.kernels[s])) {
             const int rule = lg.items.Rule(item);
-            const int left = g.rules[static_cast<std::size_t>(rule)][0];
+            const int left = g.rules[rule][0];
             // Under FOLLOWR of the left side, in the set's order.
-            reduces[s].emplace_back(rule, left > 0 ? g.followR[static_cast<std::size_t>(left)].Items() : std::vector<int>());
+            reduces[s].emplace_back(rule, left > 0 ? g.followR[left].Items() : std::vector<int>());
         }
     m_results.kernels = std::move(automaton.kernels);
     m_results.rows = std::move(automaton.rows);

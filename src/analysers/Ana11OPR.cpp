@@ -32,7 +32,7 @@ void Ana11OPR::GetLRSets()
     // On purpose the scans go over the whole right part, not only past the first
     // or last symbol: the first terminal of the rule, and the last one.
     for (int r = 1; r <= g.ruleCount; ++r) {
-        const std::vector<int>& rule = g.rules[static_cast<std::size_t>(r)];
+        const std::vector<int>& rule = g.rules[r];
         const std::size_t a = static_cast<std::size_t>(rule[0]);
         for (std::size_t i = 1; i < rule.size(); ++i)
             if (g.IsTerminal(rule[i])) {
@@ -54,9 +54,9 @@ void Ana11OPR::GetLRSets()
         for (bool added = true; added;) {
             added = false;
             for (int a = g.firstNonterminal; a <= g.lastCode; ++a)
-                for (int b : through[static_cast<std::size_t>(a)])
+                for (int b : through[a])
                     if (g.IsNonterminal(b) && b != a)
-                        added |= termSets[static_cast<std::size_t>(a)].Merge(termSets[static_cast<std::size_t>(b)]);
+                        added |= termSets[a].Merge(termSets[b]);
             m_model.host().yield();
             if (!InProcess())
                 return false;
@@ -68,7 +68,7 @@ void Ana11OPR::GetLRSets()
 
     p.oprSetsDone = p.oprSetsValid = true;
     for (int a = g.firstNonterminal; a <= g.lastCode; ++a) {
-        if (g.leftTermSet[static_cast<std::size_t>(a)].IsEmpty() || g.rightTermSet[static_cast<std::size_t>(a)].IsEmpty()) {
+        if (g.leftTermSet[a].IsEmpty() || g.rightTermSet[a].IsEmpty()) {
             p.oprText = kNotOperator;
             p.oprPossible = false;
             p.oprSetsValid = false;

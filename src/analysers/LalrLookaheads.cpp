@@ -94,7 +94,7 @@ bool Reads(const Grammar& g, const Lr0Automaton& a, const Transitions& tr, Index
     for (int x = 0; x < tr.Count(); ++x) {
         const int r = tr.to[x];
         for (const auto& [c, target] : a.rows[r])
-            if (c > t && g.nullable[static_cast<std::size_t>(c)])
+            if (c > t && g.nullable[c])
                 reads[x].push_back(tr.Find(r, c));
     }
     return Digraph(0, tr.Count() - 1, [&](int x) -> const std::vector<int>& { return reads[x]; }, sets, turn);

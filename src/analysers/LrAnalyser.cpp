@@ -44,10 +44,10 @@ bool LrAnalyser::Analyze()
     std::vector<int> touched;
     // Reduces are written from state 0 on: empty rules reduce in the start state too.
     for (int s = 0; s <= last; ++s) {
-        SparseRow& row = rows[static_cast<std::size_t>(s)];
+        SparseRow& row = rows[s];
         touched.clear();
         for (const auto& [c, v] : row) {
-            dense[static_cast<std::size_t>(c)] = v;
+            dense[c] = v;
             touched.push_back(c);
         }
         if (s == acceptState && acceptState > 0) {
@@ -55,12 +55,12 @@ bool LrAnalyser::Analyze()
                 touched.push_back(0);
             dense[0] = accept;
         }
-        for (const auto& [rule, lookaheads] : reduces[static_cast<std::size_t>(s)]) {
+        for (const auto& [rule, lookaheads] : reduces[s]) {
             if (rule == 0)
                 continue;  // <'> -> goal: the accept entry above
             const int entry = -rule;
             for (int t : lookaheads) {
-                int& cell = dense[static_cast<std::size_t>(t)];
+                int& cell = dense[t];
                 if (cell == 0) {
                     cell = entry;
                     touched.push_back(t);
@@ -78,11 +78,11 @@ bool LrAnalyser::Analyze()
         SparseRow packed;
         packed.reserve(touched.size());
         for (int c : touched) {
-            packed.emplace_back(c, dense[static_cast<std::size_t>(c)]);
-            dense[static_cast<std::size_t>(c)] = 0;
+            packed.emplace_back(c, dense[c]);
+            dense[c] = 0;
         }
         row.swap(packed);
-        std::vector<std::pair<int, std::vector<int>>>().swap(reduces[static_cast<std::size_t>(s)]);
+        std::vector<std::pair<int, std::vector<int>>>().swap(reduces[s]);
     }
     const bool verdict = m_results.conflicts.empty();
     g.SetFlag(m_kind.verdictFlag, verdict);
@@ -118,7 +118,7 @@ QString LrAnalyser::BuildTableText() const
     const int width = g.maxName + 2;
     std::vector<QString> printed(static_cast<std::size_t>(g.lastCode) + 1);
     for (int c = 0; c <= g.lastCode; ++c)
-        printed[static_cast<std::size_t>(c)] = QStringLiteral("    ") + g.GetSymbolS(c).leftJustified(width)
+        printed[c] = QStringLiteral("    ") + g.GetSymbolS(c).leftJustified(width)
                                              + QLatin1Char(' ');
     QString text;
     if (!m_results.conflicts.empty())
@@ -126,7 +126,7 @@ QString LrAnalyser::BuildTableText() const
     for (std::size_t s = 0; s < rows.size(); ++s) {
         text += QStringLiteral("State ") + QString::number(s) + kEol;
         for (const auto& [c, cell] : rows[s]) {
-            text += printed[static_cast<std::size_t>(c)];
+            text += printed[c];
             if (cell == accept)
                 text += QStringLiteral("accept");
             else if (cell < 0)
@@ -153,7 +153,7 @@ QString LrAnalyser::BuildItemText() const
     if (!m_results.conflicts.empty())
         text += QString::fromLatin1(m_kind.verdict) + kEol;
     Lr1Closure closure(lg);
-    for (std::size_t s = 0; s < m_results.kernels.size(); ++s) {
+    for (int s = 0; s < m_results.kernels.size(); ++s) {
         const std::vector<int>& kernel = m_results.kernels[s];
         text += QStringLiteral("State ") + QString::number(s);
         if (s > 0)
@@ -203,7 +203,7 @@ QString LrAnalyser::BuildItemText() const
             if (item == items.Item(0, 0))
                 continue;
             if (fromKernel) {
-                const int left = g.rules[static_cast<std::size_t>(items.Rule(item))][0];
+                const int left = g.rules[items.Rule(item)][0];
                 const std::vector<int> la = closure.Lookahead(left).Members();
                 line(item, &la);
             } else {

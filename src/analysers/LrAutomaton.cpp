@@ -113,7 +113,7 @@ LrGrammar::LrGrammar(const Grammar& grammar)
     for (bool changed = true; changed;) {
         changed = false;
         for (int r = 1; r <= g.ruleCount; ++r) {
-            const int a = g.rules[static_cast<std::size_t>(r)][0];
+            const int a = g.rules[r][0];
             if (endFirst[a])
                 continue;
             for (int d = 0; d < items.Length(r); ++d) {
@@ -123,14 +123,14 @@ LrGrammar::LrGrammar(const Grammar& grammar)
                     changed = true;
                     break;
                 }
-                if (!g.IsNonterminal(x) || !g.nullable[static_cast<std::size_t>(x)])
+                if (!g.IsNonterminal(x) || !g.nullable[x])
                     break;
             }
         }
     }
     for (int a = g.firstNonterminal; a <= n; ++a) {
         TerminalSet& set = first[a];
-        for (int x : g.first[static_cast<std::size_t>(a)])
+        for (int x : g.first[a])
             set.Add(x);
         if (endFirst[a])
             set.Add(0);
@@ -149,7 +149,7 @@ LrGrammar::LrGrammar(const Grammar& grammar)
             tailFirst[item] = tail;
             tailNullable[item] = nullable ? 1 : 0;
             const int x = items.Next(item);
-            if (g.IsNonterminal(x) && g.nullable[static_cast<std::size_t>(x)]) {
+            if (g.IsNonterminal(x) && g.nullable[x]) {
                 tail.Merge(first[x]);
             } else {
                 tail = first[x];

@@ -8,8 +8,8 @@ LrItems::LrItems(const Grammar& g)
     m_length.resize(g.ruleCount + 1);
     m_rulesOf.resize(g.lastCode + 1);
     for (int r = 0; r <= g.ruleCount; ++r) {
-        const std::vector<int>& rule = g.rules[static_cast<std::size_t>(r)];
-        const bool empty = r > 0 && g.ruleIsEmpty[static_cast<std::size_t>(r)];
+        const std::vector<int>& rule = g.rules[r];
+        const bool empty = r > 0 && g.ruleIsEmpty[r];
         const int length = empty ? 0 : static_cast<int>(rule.size()) - 1;
         m_base[r] = m_rule.size();
         m_length[r] = length;
@@ -26,7 +26,7 @@ LrItems::LrItems(const Grammar& g)
 QString LrItems::Text(const Grammar& g, int item) const
 {
     const int r = Rule(item);
-    const std::vector<int>& rule = g.rules[static_cast<std::size_t>(r)];
+    const std::vector<int>& rule = g.rules[r];
     QString text = g.GetSymbolS(rule[0]) + QStringLiteral(" =");
     const int length = Length(r);
     for (int i = 0; i <= length; ++i) {

@@ -51,7 +51,7 @@ bool PrecedenceAnalyser::Analyze()
     PrecedenceMatrix& m = m_method.results.synta;
     m.Reset(MatrixSize(), RelationCodes(m_model.settings));
     for (int r = 1; r <= g.ruleCount; ++r) {
-        AddRelations(m, g.rules[static_cast<std::size_t>(r)]);
+        AddRelations(m, g.rules[r]);
         m_model.host().yield();
         if (!InProcess())
             return false;

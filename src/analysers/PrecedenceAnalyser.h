@@ -55,8 +55,8 @@ protected:
     /// The sample parser that follows the tables with "GenerateRecognizer".
     virtual QString Recognizer() const = 0;
 
-    const CodeList& Heads(int nonterminal) const { return m_method.heads[static_cast<std::size_t>(nonterminal)]; }
-    const CodeList& Tails(int nonterminal) const { return m_method.tails[static_cast<std::size_t>(nonterminal)]; }
+    const CodeList& Heads(int nonterminal) const { return m_method.heads[nonterminal]; }
+    const CodeList& Tails(int nonterminal) const { return m_method.tails[nonterminal]; }
 
     Model& m_model;
 

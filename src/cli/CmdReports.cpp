@@ -71,7 +71,7 @@ QString JsonPerNonterminal(const Grammar& g, const char* key, Value value)
 
 QString SetsJson(const Grammar& g)
 {
-    auto at = [](const std::vector<CodeList>& sets, int a) -> const CodeList& { return sets[static_cast<std::size_t>(a)]; };
+    auto at = [](const std::vector<CodeList>& sets, int a) -> const CodeList& { return sets[a]; };
     std::vector<int> terminals, nonterminals;
     for (int c = 1; c <= g.terminalCount; ++c)
         terminals.push_back(c);
@@ -83,19 +83,19 @@ QString SetsJson(const Grammar& g)
     parts << QStringLiteral("  \"terminals\": ") + JsonSymbols(g, terminals);
     parts << QStringLiteral("  \"nonterminals\": ") + JsonSymbols(g, nonterminals);
     parts << JsonPerNonterminal(g, "nullable", [&g](int a) {
-        return g.nullable[static_cast<std::size_t>(a)] ? QStringLiteral("true") : QStringLiteral("false");
+        return g.nullable[a] ? QStringLiteral("true") : QStringLiteral("false");
     });
     parts << JsonPerNonterminal(g, "first", [&](int a) { return JsonSymbols(g, at(g.first, a)); });
 
     QString rules = QStringLiteral("  \"firstOfRule\": [\n");
     for (int r = 1; r <= g.ruleCount; ++r) {
-        const std::vector<int>& rule = g.rules[static_cast<std::size_t>(r)];
-        const std::vector<int> right = g.ruleIsEmpty[static_cast<std::size_t>(r)]
+        const std::vector<int>& rule = g.rules[r];
+        const std::vector<int> right = g.ruleIsEmpty[r]
                                            ? std::vector<int>()
                                            : std::vector<int>(rule.begin() + 1, rule.end());
         rules += QStringLiteral("    {\"rule\": %1, \"left\": ").arg(r) + JsonString(g.GetSymbolS(rule[0]))
                + QStringLiteral(", \"right\": ") + JsonSymbols(g, right) + QStringLiteral(", \"first\": ")
-               + JsonSymbols(g, g.firstOfRule[static_cast<std::size_t>(r)]) + QLatin1Char('}');
+               + JsonSymbols(g, g.firstOfRule[r]) + QLatin1Char('}');
         rules += r < g.ruleCount ? QStringLiteral(",\n") : QStringLiteral("\n");
     }
     parts << rules + QStringLiteral("  ]");

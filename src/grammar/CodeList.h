@@ -59,7 +59,7 @@ public:
 
     int Count() const { return static_cast<int>(m_items.size()); }
     bool IsEmpty() const { return m_items.empty(); }
-    int operator[](int i) const { return m_items[static_cast<std::size_t>(i)]; }
+    int operator[](int i) const { return m_items[i]; }
     const std::vector<int>& Items() const { return m_items; }
     std::vector<int>::const_iterator begin() const { return m_items.begin(); }
     std::vector<int>::const_iterator end() const { return m_items.end(); }

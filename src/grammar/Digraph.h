@@ -24,7 +24,7 @@ bool Digraph(int lo, int hi, Edges edges, std::vector<Set>& sets, Tick tick)
     if (hi < lo)
         return true;
     auto at = [lo](int x) { return x - lo; };
-    auto set = [&sets](int x) -> Set& { return sets[static_cast<std::size_t>(x)]; };
+    auto set = [&sets](int x) -> Set& { return sets[x]; };
     // N(x): 0 unvisited, INT_MAX finished, otherwise the lowest stack depth x reaches.
     Indexed<int> n(hi - lo + 1, 0);
     std::vector<int> stack;

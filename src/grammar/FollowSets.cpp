@@ -20,21 +20,21 @@ void Grammar::FindFollowB()
         return !InProcess();
     };
 
-    followB[static_cast<std::size_t>(goal)].Add(0);
+    followB[goal].Add(0);
 
     // Direct pass: what stands right of a non-terminal B in a rule follows B,
     // and so does the symbol after that while the one just added is nullable.
     for (int r = 1; r <= ruleCount; ++r) {
-        if (ruleIsEmpty[static_cast<std::size_t>(r)])
+        if (ruleIsEmpty[r])
             continue;
-        const std::vector<int>& rule = rules[static_cast<std::size_t>(r)];
+        const std::vector<int>& rule = rules[r];
         for (std::size_t i = 2; i < rule.size(); ++i) {
             if (!IsNonterminal(rule[i - 1]))
                 continue;
-            CodeList& set = followB[static_cast<std::size_t>(rule[i - 1])];
+            CodeList& set = followB[rule[i - 1]];
             for (std::size_t j = i; j < rule.size(); ++j) {
                 set.Add(rule[j]);
-                if (!IsNonterminal(rule[j]) || !nullable[static_cast<std::size_t>(rule[j])])
+                if (!IsNonterminal(rule[j]) || !nullable[rule[j]])
                     break;
             }
         }
@@ -53,13 +53,13 @@ void Grammar::FindFollowB()
     // snapshots reach only after hundreds of passes.
     Indexed<CodeList> includes(lastCode + 1);
     for (int r = 1; r <= ruleCount; ++r) {
-        const std::vector<int>& rule = rules[static_cast<std::size_t>(r)];
-        if (!ruleIsEmpty[static_cast<std::size_t>(r)] && IsNonterminal(rule.back()))
+        const std::vector<int>& rule = rules[r];
+        if (!ruleIsEmpty[r] && IsNonterminal(rule.back()))
             includes[rule.back()].Add(rule[0]);
     }
     for (int a = firstNonterminal; a <= lastCode; ++a)
-        for (int x : followB[static_cast<std::size_t>(a)])
-            if (IsNonterminal(x) && nullable[static_cast<std::size_t>(x)])
+        for (int x : followB[a])
+            if (IsNonterminal(x) && nullable[x])
                 includes[a].Add(x);
     const bool complete = Digraph(
         firstNonterminal, lastCode,
@@ -69,7 +69,7 @@ void Grammar::FindFollowB()
         return;
 
     for (int a = firstNonterminal; a <= lastCode; ++a)
-        followB[static_cast<std::size_t>(a)].Sort();
+        followB[a].Sort();
     SetFlag(GrammarFlag::FollowBDone, true);
     followBReport.clear();  // built when first asked for
 }
@@ -78,8 +78,8 @@ bool Grammar::ExpandFollowSets(std::vector<CodeList>& sets, bool nullableOnly)
 {
     sets = followB;
     for (int a = firstNonterminal; a <= lastCode; ++a) {
-        CodeList& set = sets[static_cast<std::size_t>(a)];
-        if (!nullableOnly || nullable[static_cast<std::size_t>(a)]) {
+        CodeList& set = sets[a];
+        if (!nullableOnly || nullable[a]) {
             // Only the members that stood in the list before this step are
             // visited; FIRST sets hold terminals only, so nothing new is a
             // non-terminal anyway.
@@ -89,7 +89,7 @@ bool Grammar::ExpandFollowSets(std::vector<CodeList>& sets, bool nullableOnly)
                 // On purpose: FOLLOWL skips X == A, FOLLOWR does not.
                 if (!IsNonterminal(x) || (nullableOnly && x == a))
                     continue;
-                for (int t : first[static_cast<std::size_t>(x)])
+                for (int t : first[x])
                     if (t != 0)
                         set.Add(t);
             }

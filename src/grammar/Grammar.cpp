@@ -90,7 +90,7 @@ QString Grammar::Text()
         return QString();
     QString text = QStringLiteral("#0 <") + SymbolName(goal) + QLatin1Char('>');
     for (int r = 1; r <= ruleCount; ++r) {
-        const std::vector<int>& rule = rules[static_cast<std::size_t>(r)];
+        const std::vector<int>& rule = rules[r];
         text += QStringLiteral("\r\n#") + QString::number(r) + QStringLiteral(" <") + SymbolName(rule[0])
               + QStringLiteral(">=");
         for (std::size_t i = 1; i < rule.size(); ++i) {
@@ -126,10 +126,10 @@ void Grammar::ResetFlags()
 void Grammar::SetFlag(int index, bool value)
 {
     if (index >= 0 && index < GrammarFlag::Count)
-        flags[static_cast<std::size_t>(index)] = value;
+        flags[index] = value;
 }
 
 bool Grammar::GetFlag(int index) const
 {
-    return index >= 0 && index < GrammarFlag::Count && flags[static_cast<std::size_t>(index)].value_or(false);
+    return index >= 0 && index < GrammarFlag::Count && flags[index].value_or(false);
 }

@@ -169,38 +169,38 @@ public:
     void SetFlag(int index, bool value);
     bool GetFlag(int index) const;
     /// The stored value, empty when never written (the compiled file keeps the difference).
-    std::optional<bool> FlagValue(int index) const { return flags[static_cast<std::size_t>(index)]; }
-    void SetFlagValue(int index, std::optional<bool> value) { flags[static_cast<std::size_t>(index)] = value; }
+    std::optional<bool> FlagValue(int index) const { return flags[index]; }
+    void SetFlagValue(int index, std::optional<bool> value) { flags[index] = value; }
 
     // ---- Code helpers ------------------------------------------------------
 
     bool IsTerminal(int code) const { return code > 0 && code < firstNonterminal; }
     bool IsNonterminal(int code) const { return code >= firstNonterminal; }
-    const QString& SymbolName(int code) const { return symbolNames[static_cast<std::size_t>(code + 2)]; }
+    const QString& SymbolName(int code) const { return symbolNames[code + 2]; }
     /// Number of right-side symbols of rule r (0 for an empty rule).
     int RightLength(int r) const
     {
-        return ruleIsEmpty[static_cast<std::size_t>(r)] ? 0
-                                                         : static_cast<int>(rules[static_cast<std::size_t>(r)].size()) - 1;
+        return ruleIsEmpty[r] ? 0
+                                                         : static_cast<int>(rules[r].size()) - 1;
     }
     int NonterminalCount() const { return lastCode - terminalCount; }
 
     // ---- Grammar data (filled by SetText, reset by Clear) ------------------
 
-    std::vector<QString> symbolNames;      ///< index code + 2: "<'>", "•", ".", terminals, non-terminals
-    std::vector<QString> terminalNames;    ///< parse-time terminal names, from 1 (0 unused)
-    std::vector<QString> nonterminalNames; ///< parse-time non-terminal names, from 1 (0 unused)
+    Indexed<QString> symbolNames;      ///< index code + 2: "<'>", "•", ".", terminals, non-terminals
+    Indexed<QString> terminalNames;    ///< parse-time terminal names, from 1 (0 unused)
+    Indexed<QString> nonterminalNames; ///< parse-time non-terminal names, from 1 (0 unused)
     int ruleCount = 0;                     ///< R: the highest rule number (rule 0 not counted)
     int lastCode = 0;                      ///< T + N: the last symbol code
     int terminalCount = 0;                 ///< T
     int firstNonterminal = 1;              ///< T + 1
     int goal = 0;                          ///< the goal's code (always T + 1 once parsed)
-    std::vector<std::vector<int>> rules;   ///< 0..R, as described above
-    std::vector<char> ruleIsEmpty;         ///< 0..R: the rule is {left, 0}
-    std::vector<char> hasEmptyRule;        ///< by code: the non-terminal heads an empty rule
-    std::vector<char> nullable;            ///< by code: the non-terminal derives the empty string
-    std::vector<char> leftRecursive;       ///< by code: the left-recursion test marked it
-    std::vector<char> ruleNullable;        ///< 0..R: empty, or only nullable non-terminals on the right
+    Indexed<std::vector<int>> rules;   ///< 0..R, as described above
+    Indexed<char> ruleIsEmpty;         ///< 0..R: the rule is {left, 0}
+    Indexed<char> hasEmptyRule;        ///< by code: the non-terminal heads an empty rule
+    Indexed<char> nullable;            ///< by code: the non-terminal derives the empty string
+    Indexed<char> leftRecursive;       ///< by code: the left-recursion test marked it
+    Indexed<char> ruleNullable;        ///< 0..R: empty, or only nullable non-terminals on the right
 
     int maxRuleLength = 0;       ///< longest non-empty rule in elements, left side included
     int maxTerminalName = 1;     ///< longest terminal name (at least 1)
@@ -209,16 +209,16 @@ public:
 
     // ---- Sets (see GrammarSets.cpp) ----------------------------------------
 
-    std::vector<CodeList> first;        ///< by code: FIRST of a non-terminal (terminals only)
-    std::vector<CodeList> firstOfRule;  ///< 1..R: FIRST of the right side, 0 when it derives ε
-    std::vector<CodeList> followB;      ///< by code: FOLLOWB (the BASIS report)
-    std::vector<CodeList> followL;      ///< by code: FOLLOWL (used by LL(1))
-    std::vector<CodeList> followR;      ///< by code: FOLLOWR (used by SLR(1))
-    std::vector<CodeList> directFirst;  ///< by code: non-terminals that start a right side of it
-    std::vector<CodeList> leftSet;      ///< by code: precedence left sets
-    std::vector<CodeList> rightSet;     ///< by code: precedence right sets
-    std::vector<CodeList> leftTermSet;  ///< by code: operator-precedence left terminal sets
-    std::vector<CodeList> rightTermSet; ///< by code: operator-precedence right terminal sets
+    Indexed<CodeList> first;        ///< by code: FIRST of a non-terminal (terminals only)
+    Indexed<CodeList> firstOfRule;  ///< 1..R: FIRST of the right side, 0 when it derives ε
+    Indexed<CodeList> followB;      ///< by code: FOLLOWB (the BASIS report)
+    Indexed<CodeList> followL;      ///< by code: FOLLOWL (used by LL(1))
+    Indexed<CodeList> followR;      ///< by code: FOLLOWR (used by SLR(1))
+    Indexed<CodeList> directFirst;  ///< by code: non-terminals that start a right side of it
+    Indexed<CodeList> leftSet;      ///< by code: precedence left sets
+    Indexed<CodeList> rightSet;     ///< by code: precedence right sets
+    Indexed<CodeList> leftTermSet;  ///< by code: operator-precedence left terminal sets
+    Indexed<CodeList> rightTermSet; ///< by code: operator-precedence right terminal sets
 
     // ---- Texts ---------------------------------------------------------------
 

@@ -273,9 +273,9 @@ bool Grammar::ParseGrammarText(const QString& text)
     symbolNames.resize(static_cast<std::size_t>(lastCode) + 3);
     symbolNames[1] = QString(QChar(0x2022));  // the item mark of LR displays
     for (int t = 1; t <= terminalCount; ++t)
-        symbolNames[static_cast<std::size_t>(t + 2)] = reader.terminals[t];
+        symbolNames[t + 2] = reader.terminals[t];
     for (int q = 1; q <= nonterminals; ++q)
-        symbolNames[static_cast<std::size_t>(terminalCount + q + 2)] = reader.nonterminals[q];
+        symbolNames[terminalCount + q + 2] = reader.nonterminals[q];
 
     // Re-code and store the rules (AddRuleUnique). Names are unique within each
     // list and the final table lists terminals, then non-terminals, in list
@@ -343,7 +343,7 @@ bool Grammar::CheckDefinitions()
 {
     Indexed<char> defined(lastCode + 1, 0);
     for (int r = 1; r <= ruleCount; ++r)
-        defined[rules[static_cast<std::size_t>(r)][0]] = 1;
+        defined[rules[r][0]] = 1;
     for (int a = firstNonterminal; a <= lastCode; ++a)
         if (!defined[a]) {
             m_parseError = ParseError{0, 0, QStringLiteral("Non-terminal ") + SymbolName(a) + QStringLiteral(" is not defined.")};
@@ -373,7 +373,7 @@ void Grammar::FindEqualRightSides()
     std::unordered_set<std::vector<int>, RuleHash> seen;
     seen.reserve(static_cast<std::size_t>(ruleCount));
     for (int r = 1; r <= ruleCount; ++r) {
-        const std::vector<int>& rule = rules[static_cast<std::size_t>(r)];
+        const std::vector<int>& rule = rules[r];
         if (!seen.insert(std::vector<int>(rule.begin() + 1, rule.end())).second) {
             SetFlag(GrammarFlag::NoEqualRightSides, false);
             return;
@@ -402,10 +402,10 @@ void Grammar::MarkEmptyRules()
     SetFlag(GrammarFlag::HasEmptyRule, false);
     maxRuleLength = 0;
     for (int r = 1; r <= ruleCount; ++r) {
-        const std::vector<int>& rule = rules[static_cast<std::size_t>(r)];
+        const std::vector<int>& rule = rules[r];
         if (rule.size() == 2 && rule[1] == 0) {
-            ruleIsEmpty[static_cast<std::size_t>(r)] = 1;
-            hasEmptyRule[static_cast<std::size_t>(rule[0])] = 1;
+            ruleIsEmpty[r] = 1;
+            hasEmptyRule[rule[0]] = 1;
             SetFlag(GrammarFlag::HasEmptyRule, true);
         } else {
             maxRuleLength = std::max(maxRuleLength, static_cast<int>(rule.size()));

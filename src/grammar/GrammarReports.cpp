@@ -93,16 +93,16 @@ QString Grammar::BuildFirstReport() const
     const qsizetype ruleWidth = QString::number(ruleCount).size() + 8;  // "FIRST(#" n ")"
     qsizetype length = 2;
     for (int a = firstNonterminal; a <= lastCode; ++a)
-        length += LineLength(width, first[static_cast<std::size_t>(a)], printed) + 3;
+        length += LineLength(width, first[a], printed) + 3;
     for (int r = 1; r <= ruleCount; ++r)
-        length += LineLength(ruleWidth, firstOfRule[static_cast<std::size_t>(r)], printed);
+        length += LineLength(ruleWidth, firstOfRule[r], printed);
     QString text;
     text.reserve(length);
     for (int a = firstNonterminal; a <= lastCode; ++a) {
-        const CodeList& set = first[static_cast<std::size_t>(a)];
+        const CodeList& set = first[a];
         AppendLabel(text, label, printed[a], width);
         AppendMembers(text, set, printed);
-        if (nullable[static_cast<std::size_t>(a)])
+        if (nullable[a])
             text.append(set.IsEmpty() ? QString(kEpsilon) : QStringLiteral(", ") + kEpsilon);
         text.append(u"\r\n");
     }
@@ -110,7 +110,7 @@ QString Grammar::BuildFirstReport() const
     printed[0] = kEpsilon;
     for (int r = 1; r <= ruleCount; ++r) {
         AppendLabel(text, u"FIRST(#", QString::number(r), ruleWidth);
-        AppendMembers(text, firstOfRule[static_cast<std::size_t>(r)], printed);
+        AppendMembers(text, firstOfRule[r], printed);
         text.append(u"\r\n");
     }
     return text;
@@ -122,12 +122,12 @@ QString Grammar::BuildSetReport(const QString& label, const std::vector<CodeList
     const qsizetype width = LabelWidth(label.size());
     qsizetype length = 0;
     for (int a = firstNonterminal; a <= lastCode; ++a)
-        length += LineLength(width, sets[static_cast<std::size_t>(a)], printed);
+        length += LineLength(width, sets[a], printed);
     QString text;
     text.reserve(length);
     for (int a = firstNonterminal; a <= lastCode; ++a) {
         AppendLabel(text, label, printed[a], width);
-        AppendMembers(text, sets[static_cast<std::size_t>(a)], printed);
+        AppendMembers(text, sets[a], printed);
         text.append(u"\r\n");
     }
     return text;
@@ -177,7 +177,7 @@ QString Grammar::CommentedFollowSets()
     qsizetype length = 0;
     for (int a = firstNonterminal; a <= lastCode; ++a)
         for (const auto& kind : kinds)
-            length += LineLength(width, kind.sets[static_cast<std::size_t>(a)], printed) + 2;
+            length += LineLength(width, kind.sets[a], printed) + 2;
     QString text;
     text.reserve(length);
     for (int a = firstNonterminal; a <= lastCode; ++a) {
@@ -185,7 +185,7 @@ QString Grammar::CommentedFollowSets()
             text.append(u"\r\n");
         for (const auto& kind : kinds) {
             AppendLabel(text, kind.label, printed[a], width);
-            AppendMembers(text, kind.sets[static_cast<std::size_t>(a)], printed);
+            AppendMembers(text, kind.sets[a], printed);
             text.append(u"\r\n");
         }
     }
@@ -201,7 +201,7 @@ QString Grammar::CommentedRules()
         return NotAnalyzed;
     int emptyRules = 0;
     for (int r = 1; r <= ruleCount; ++r)
-        emptyRules += ruleIsEmpty[static_cast<std::size_t>(r)] ? 1 : 0;
+        emptyRules += ruleIsEmpty[r] ? 1 : 0;
     QString text;
     auto header = [&text](const char* caption, const QString& value) {
         text += QString::fromLatin1(caption).leftJustified(16) + value + QStringLiteral("\r\n");
@@ -218,11 +218,11 @@ QString Grammar::CommentedRules()
     const qsizetype numberWidth = QString::number(ruleCount).size() + 1;
     const qsizetype leftWidth = maxNonterminalName + 2;
     for (int r = 0; r <= ruleCount; ++r) {
-        const std::vector<int>& rule = rules[static_cast<std::size_t>(r)];
+        const std::vector<int>& rule = rules[r];
         text += (QLatin1Char('#') + QString::number(r)).rightJustified(numberWidth) + QLatin1Char(' ');
         text += (r == 0 ? GetSymbolS(rule[0]) : printed[rule[0]]).leftJustified(leftWidth);
         text.append(u" =");
-        if (ruleIsEmpty[static_cast<std::size_t>(r)]) {
+        if (ruleIsEmpty[r]) {
             text.append(QLatin1Char(' '));
             text.append(kEpsilon);
         } else {

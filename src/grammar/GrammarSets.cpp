@@ -30,8 +30,8 @@ void Grammar::ComputeFirstSets()
     Indexed<std::vector<int>> usedIn(lastCode + 1);
     std::vector<int> work;
     for (int r = 1; r <= ruleCount; ++r) {
-        const std::vector<int>& rule = rules[static_cast<std::size_t>(r)];
-        if (ruleIsEmpty[static_cast<std::size_t>(r)]) {
+        const std::vector<int>& rule = rules[r];
+        if (ruleIsEmpty[r]) {
             work.push_back(r);
             continue;
         }
@@ -49,11 +49,11 @@ void Grammar::ComputeFirstSets()
     while (!work.empty()) {
         const int r = work.back();
         work.pop_back();
-        ruleNullable[static_cast<std::size_t>(r)] = 1;
-        const int a = rules[static_cast<std::size_t>(r)][0];
-        if (nullable[static_cast<std::size_t>(a)])
+        ruleNullable[r] = 1;
+        const int a = rules[r][0];
+        if (nullable[a])
             continue;
-        nullable[static_cast<std::size_t>(a)] = 1;
+        nullable[a] = 1;
         for (int user : usedIn[a])
             if (--pending[user] == 0)
                 work.push_back(user);
@@ -65,9 +65,9 @@ void Grammar::ComputeFirstSets()
     // with the digraph algorithm so that cycles cost nothing extra.
     std::vector<CodeList> own(codes);
     for (int r = 1; r <= ruleCount; ++r) {
-        const std::vector<int>& rule = rules[static_cast<std::size_t>(r)];
+        const std::vector<int>& rule = rules[r];
         const std::size_t a = static_cast<std::size_t>(rule[0]);
-        if (ruleIsEmpty[static_cast<std::size_t>(r)])
+        if (ruleIsEmpty[r])
             continue;
         for (std::size_t i = 1; i < rule.size(); ++i) {
             const int x = rule[i];
@@ -77,7 +77,7 @@ void Grammar::ComputeFirstSets()
                 break;
             }
             directFirst[a].Add(x);
-            if (!nullable[static_cast<std::size_t>(x)])
+            if (!nullable[x])
                 break;
         }
         host().yield();
@@ -86,7 +86,7 @@ void Grammar::ComputeFirstSets()
     }
     first = std::move(own);
     const bool complete = Digraph(
-        firstNonterminal, lastCode, [&](int a) -> const std::vector<int>& { return directFirst[static_cast<std::size_t>(a)].Items(); },
+        firstNonterminal, lastCode, [&](int a) -> const std::vector<int>& { return directFirst[a].Items(); },
         first, [&] {
             host().yield();
             return InProcess();
@@ -97,9 +97,9 @@ void Grammar::ComputeFirstSets()
     // FIRST per rule: walk the right side; a terminal ends the walk, a
     // non-terminal adds its FIRST and ends it unless nullable; a nullable end adds 0.
     for (int r = 1; r <= ruleCount; ++r) {
-        const std::vector<int>& rule = rules[static_cast<std::size_t>(r)];
-        CodeList& set = firstOfRule[static_cast<std::size_t>(r)];
-        if (ruleIsEmpty[static_cast<std::size_t>(r)]) {
+        const std::vector<int>& rule = rules[r];
+        CodeList& set = firstOfRule[r];
+        if (ruleIsEmpty[r]) {
             set.Add(0);
             continue;
         }
@@ -109,8 +109,8 @@ void Grammar::ComputeFirstSets()
                 set.Add(x);  // a terminal, or the end marker written as "."
                 break;
             }
-            set.Merge(first[static_cast<std::size_t>(x)]);
-            if (!nullable[static_cast<std::size_t>(x)])
+            set.Merge(first[x]);
+            if (!nullable[x])
                 break;
             if (i + 1 == rule.size())
                 set.Add(0);

@@ -44,12 +44,12 @@ public:
         m_stamp[k] = m_generation;
         m_state[k] = OnPath;
 
-        const int x = m_g.rules[static_cast<std::size_t>(k)][1];
+        const int x = m_g.rules[k][1];
         bool answer = false;
         for (int j : m_rulesOf[x]) {
             if (j == k)
                 continue;
-            const int y = m_g.rules[static_cast<std::size_t>(j)][1];
+            const int y = m_g.rules[j][1];
             if (y == m_target) {
                 answer = true;
                 m_state[k] = Yes;
@@ -84,10 +84,10 @@ bool Grammar::FindLeftRecursion()
 
     // Direct pass: a rule whose left side is its first right-side symbol.
     for (int r = 1; r <= ruleCount; ++r) {
-        const std::vector<int>& rule = rules[static_cast<std::size_t>(r)];
+        const std::vector<int>& rule = rules[r];
         if (rule[0] == rule[1]) {
             answer = true;
-            leftRecursive[static_cast<std::size_t>(rule[0])] = 1;
+            leftRecursive[rule[0]] = 1;
         }
         host().yield();
         if (!InProcess())
@@ -97,22 +97,22 @@ bool Grammar::FindLeftRecursion()
     // The rules of each non-terminal, in rule order.
     Indexed<std::vector<int>> rulesOf(lastCode + 1);
     for (int r = 1; r <= ruleCount; ++r)
-        rulesOf[rules[static_cast<std::size_t>(r)][0]].push_back(r);
+        rulesOf[rules[r][0]].push_back(r);
 
     // Indirect pass: from the first symbol X of a rule of A, search for A.
     RecursionSearch search(*this, rulesOf);
     int searched = 0;
     for (int r = 1; r <= ruleCount; ++r) {
-        const std::vector<int>& rule = rules[static_cast<std::size_t>(r)];
+        const std::vector<int>& rule = rules[r];
         const int a = rule[0];
-        if (!leftRecursive[static_cast<std::size_t>(a)] && IsNonterminal(rule[1])) {
+        if (!leftRecursive[a] && IsNonterminal(rule[1])) {
             if (a != searched) {
                 search.Begin(a);
                 searched = a;
             }
             if (search.Search(r)) {
                 answer = true;
-                leftRecursive[static_cast<std::size_t>(a)] = 1;
+                leftRecursive[a] = 1;
             }
         }
         host().yield();

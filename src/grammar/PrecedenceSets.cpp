@@ -40,7 +40,7 @@ void Grammar::FindLeftAndRightSets()
     // Adjacent non-terminals: operator precedence forbids them. The finding goes
     // only into the text; the operator-precedence analyser decides by its own checks.
     for (int r = 1; r <= ruleCount; ++r) {
-        const std::vector<int>& rule = rules[static_cast<std::size_t>(r)];
+        const std::vector<int>& rule = rules[r];
         for (std::size_t i = 2; i < rule.size(); ++i) {
             if (IsNonterminal(rule[i - 1]) && IsNonterminal(rule[i])) {
                 p.oprText = kNotOperator + kEol + QStringLiteral("Adjacent Non-Terminals Are Not Allowed.");
@@ -59,9 +59,9 @@ void Grammar::FindLeftAndRightSets()
     rightSet.assign(codes, CodeList());
     p.sprSetsDone = p.sprSetsValid = false;
     for (int r = 1; r <= ruleCount; ++r) {
-        const std::vector<int>& rule = rules[static_cast<std::size_t>(r)];
-        leftSet[static_cast<std::size_t>(rule[0])].Add(rule[1]);
-        rightSet[static_cast<std::size_t>(rule[0])].Add(rule.back());
+        const std::vector<int>& rule = rules[r];
+        leftSet[rule[0]].Add(rule[1]);
+        rightSet[rule[0]].Add(rule.back());
     }
     if (!ClosePrecedenceSets(leftSet) || !ClosePrecedenceSets(rightSet))
         return;
@@ -69,7 +69,7 @@ void Grammar::FindLeftAndRightSets()
     p.sprSetsDone = p.sprSetsValid = true;
     // A non-terminal without rules has empty sets; the first one found refuses the grammar.
     for (int a = firstNonterminal; a <= lastCode; ++a) {
-        if (leftSet[static_cast<std::size_t>(a)].IsEmpty() || rightSet[static_cast<std::size_t>(a)].IsEmpty()) {
+        if (leftSet[a].IsEmpty() || rightSet[a].IsEmpty()) {
             p.sprText = kNotSimple;
             p.sprSetsValid = false;
             break;
@@ -88,7 +88,7 @@ bool Grammar::ClosePrecedenceSets(std::vector<CodeList>& sets)
     // the rules and steps that enter them, whatever the order of the sets.
     const Indexed<CodeList> direct(sets);
     for (int a = firstNonterminal; a <= lastCode; ++a) {
-        CodeList& set = sets[static_cast<std::size_t>(a)];
+        CodeList& set = sets[a];
         for (int k = 0; k < set.Count(); ++k) {
             const int member = set[k];
             if (member != a && IsNonterminal(member))

@@ -33,7 +33,7 @@ constexpr char kToUnderscore[] = " -:;.,~!\"'#%^|&()[]{}*/+\\=<>";
 const std::array<bool, 128> kUnderscoreTable = [] {
     std::array<bool, 128> table{};
     for (const char* c = kToUnderscore; *c; ++c)
-        table[static_cast<std::size_t>(*c)] = true;
+        table[*c] = true;
     return table;
 }();
 

@@ -71,7 +71,7 @@ bool PrecedenceMatrix::Add(int row, int column, Relation relation)
     std::uint8_t& cell = m_cells[Index(row, column)];
     const int count = Count(cell);
     for (int i = 0; i < count; ++i)
-        if (m_codes[static_cast<std::size_t>(((cell >> (2 * i)) & 3) - 1)] == m_codes[static_cast<std::size_t>(relation)])
+        if (m_codes[static_cast<std::size_t>(((cell >> (2 * i)) & 3) - 1)] == m_codes[relation])
             return false;
     cell = static_cast<std::uint8_t>(cell | ((relation + 1) << (2 * count)));
     return true;

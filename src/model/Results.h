@@ -92,7 +92,7 @@ public:
     void Reset(int size, std::array<int, 3> codes);
     void Clear() { Reset(0, m_codes); }
     int Size() const { return m_size; }
-    int Code(Relation relation) const { return m_codes[static_cast<std::size_t>(relation)]; }
+    int Code(Relation relation) const { return m_codes[relation]; }
 
     /// Adds the relation's code to the cell unless the code is there; true when added.
     bool Add(int row, int column, Relation relation);
@@ -182,15 +182,15 @@ enum class KeptLookaheads {
 /// The two texts are large for large automata; they are built from the kept
 /// data when first asked for.
 struct LrResults {
-    std::vector<std::vector<int>> kernels;     ///< by state: kernel items (numbered as LrItems does)
-    std::vector<SparseRow> rows;               ///< by state: shift/goto > 0, reduce < 0, absent 0, M+1 accept
-    std::vector<int> accessing;                ///< by state: the symbol that leads into it (-2 for state 0)
+    Indexed<std::vector<int>> kernels;     ///< by state: kernel items (numbered as LrItems does)
+    Indexed<SparseRow> rows;               ///< by state: shift/goto > 0, reduce < 0, absent 0, M+1 accept
+    Indexed<int> accessing;                ///< by state: the symbol that leads into it (-2 for state 0)
     /// The reduces that could not be written, one record each, in the order met
     /// (model/Conflicts.h; the listing writes them as LrConflictText).
     std::vector<Conflict> conflicts;
     /// by state: the look-aheads of the items the method keeps them for, in
     /// the order KeptLookaheads gives; empty for SLR(1).
-    std::vector<StateLookaheads> lookaheads;
+    Indexed<StateLookaheads> lookaheads;
     QString tableText = NotAnalyzed;  ///< verdict and table listing ("" until built)
     QString itemText = NotAnalyzed;   ///< verdict and item-set listing ("" until built)
     SavedStatus saved;

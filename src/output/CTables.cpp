@@ -56,7 +56,7 @@ QString RuleTable(const Grammar& g, const Settings& settings, bool symbolic)
     text += QStringLiteral("/*") + QStringLiteral("0").rightJustified(width) + QStringLiteral("*/{ ")
           + QStringLiteral("TOK_EOT },") + kEol;
     for (int r = 1; r <= g.ruleCount; ++r) {
-        const std::vector<int>& rule = g.rules[static_cast<std::size_t>(r)];
+        const std::vector<int>& rule = g.rules[r];
         QStringList names;
         for (std::size_t i = 1; i < rule.size(); ++i)
             names << Name(g, rule[i]);
@@ -83,7 +83,7 @@ QString RsymTable(const Grammar& g, const Settings& settings)
 {
     QString text = QStringLiteral("/* Rule Symbol */") + kEol + settings.tokenType + QStringLiteral(" RSYM[] = {TOK_EOT");
     for (int r = 1; r <= g.ruleCount; ++r) {
-        const int left = g.rules[static_cast<std::size_t>(r)][0];
+        const int left = g.rules[r][0];
         const QString name = Name(g, left);
         text += QLatin1Char(',') + (name.isEmpty() ? QStringLiteral("TOK_EOT") : name);
     }
@@ -198,7 +198,7 @@ void WriteLrTable(TextSink& sink, const Grammar& g, const Settings& settings,
         return {p, static_cast<std::size_t>(end - p)};
     };
     for (int s = 0; s <= last; ++s) {
-        const auto& row = rows[static_cast<std::size_t>(s)];
+        const auto& row = rows[s];
         line.assign("/*");
         const int n = std::snprintf(number, sizeof number, "%0*d", digits, s);
         line.append(number, static_cast<std::size_t>(n));
@@ -217,7 +217,7 @@ void WriteLrTable(TextSink& sink, const Grammar& g, const Settings& settings,
             }
         } else {
             for (const auto& [c, v] : row)
-                dense[static_cast<std::size_t>(c)] = v;
+                dense[c] = v;
             for (std::size_t c = 0; c < codes; ++c) {
                 if (c)
                     line.push_back(',');
@@ -227,7 +227,7 @@ void WriteLrTable(TextSink& sink, const Grammar& g, const Settings& settings,
                 line.append(text, length);
             }
             for (const auto& [c, v] : row)
-                dense[static_cast<std::size_t>(c)] = 0;
+                dense[c] = 0;
         }
         line.append(" },\r\n");
         sink.Write(line.data(), line.size());

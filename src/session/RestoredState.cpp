@@ -60,12 +60,12 @@ bool LLTableWithin(const LLTable& table, const Grammar& g)
 
 bool LrResultsWithin(const LrResults& r, const Grammar& g, int itemCount)
 {
-    const std::size_t states = r.rows.size();
+    const int states = r.rows.size();
     if (states == 0 || r.kernels.size() != states || r.accessing.size() != states
         || (!r.lookaheads.empty() && r.lookaheads.size() != states))
         return false;
-    const int accept = static_cast<int>(states);
-    for (std::size_t s = 0; s < states; ++s) {
+    const int accept = states;
+    for (int s = 0; s < states; ++s) {
         int previous = -1;
         for (const auto& [code, entry] : r.rows[s]) {
             if (code <= previous || code > g.lastCode || entry < -g.ruleCount || entry > accept)
@@ -89,7 +89,7 @@ bool LrResultsWithin(const LrResults& r, const Grammar& g, int itemCount)
     }
     // Each refused reduce names a filled cell of a state on a terminal.
     for (const Conflict& c : r.conflicts)
-        if (c.row < 0 || static_cast<std::size_t>(c.row) >= states || c.column < 0 || c.column > g.terminalCount
+        if (c.row < 0 || c.row >= states || c.column < 0 || c.column > g.terminalCount
             || c.rejected.size() != 1 || c.rejected[0] >= 0 || c.rejected[0] < -g.ruleCount || c.kept == 0)
             return false;
     return true;

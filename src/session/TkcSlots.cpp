@@ -31,7 +31,17 @@ struct Walk {
 /// A slot's place in the workspace, as a function from the workspace to the field.
 template <typename T>
 using Field = T& (*)(Workspace&);
-#define TKC_FIELD(expr) [](Workspace& ws) -> auto& { return expr; }
+#define TKC_FIELD(expr) [](Workspace& ws) -> auto& { return AsStored(expr); }
+
+/// The value a slot binds: an Indexed table is bound as the std::vector it is.
+template <typename T>
+auto& AsStored(T& value)
+{
+    if constexpr (requires { typename T::Base; })
+        return static_cast<typename T::Base&>(value);
+    else
+        return value;
+}
 
 
 /// Slot 1: the 18 signature bytes. A file that does not start with them (a
@@ -384,7 +394,7 @@ struct StateCount {
     void Read(TkcReader& in, Walk& w) const
     {
         const LrResults& r = field(w.ws);
-        const std::size_t states = static_cast<std::size_t>(in.I32());
+        const qint32 states = in.I32();
         if (states != r.rows.size() || states != r.kernels.size() || states != r.accessing.size()
             || (!r.lookaheads.empty() && states != r.lookaheads.size()))
             throw Failure{SubscriptOutOfRange};
@@ -634,8 +644,8 @@ TkcReadResult TKCRead(Workspace& workspace, const QString& path, QString& gramma
     // The file keeps only the refused reduces; what each cell kept is in the rows.
     for (LrResults* results : {&workspace.slr, &workspace.lalr, &workspace.lr})
         for (Conflict& c : results->conflicts)
-            if (c.row >= 0 && static_cast<std::size_t>(c.row) < results->rows.size()) {
-                c.kept = RowEntry(results->rows[static_cast<std::size_t>(c.row)], c.column);
+            if (c.row >= 0 && c.row < results->rows.size()) {
+                c.kept = RowEntry(results->rows[c.row], c.column);
                 c.kind = c.kept < 0 ? ConflictKind::ReduceReduce : ConflictKind::ShiftReduce;
             }
     grammarName = walk.grammarName;

@@ -55,7 +55,7 @@ constexpr std::array<ViewInfo, View::Count> kViews{{
 constexpr bool NumberedInOrder()
 {
     for (int v = 0; v < View::Count; ++v)
-        if (kViews[static_cast<std::size_t>(v)].number != v)
+        if (kViews[v].number != v)
             return false;
     return true;
 }
@@ -75,7 +75,7 @@ std::span<const ViewInfo> Views()
 
 const ViewInfo& ViewOf(int view)
 {
-    return kViews[static_cast<std::size_t>(view)];
+    return kViews[view];
 }
 
 int ParseView(const QString& text)

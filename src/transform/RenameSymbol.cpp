@@ -37,6 +37,6 @@ RenameOutcome RenameSymbol(Grammar& g, int position, const QString& selected, co
         }
     }
     const int code = position + 1;
-    g.symbolNames[static_cast<std::size_t>(code + 2)] = name;
+    g.symbolNames[code + 2] = name;
     return RenameOutcome::Renamed;
 }

@@ -81,7 +81,7 @@ QString TableModel::CellText(int row, int column) const
     if (m_view == View::LL)
         return m_ws.ll.synta.CellText(row, column);
     if (const LrResults* lr = LrOf(m_ws, m_view)) {
-        const int cell = RowEntry(lr->rows[static_cast<std::size_t>(row)], column);
+        const int cell = RowEntry(lr->rows[row], column);
         if (cell == 0)
             return QString();
         if (cell == lr->States())

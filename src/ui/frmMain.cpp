@@ -221,7 +221,7 @@ void frmMain::BuildViewSelector(QWidget* bar)
         button->setCheckable(true);
         button->setAutoRaise(true);
         group->addButton(button, v);
-        Image1[static_cast<std::size_t>(v)] = button;
+        Image1[v] = button;
         toolbar->addWidget(button);
         if (v == View::FollowR || v == View::LL || v == View::LR)
             toolbar->addSeparator();
@@ -421,7 +421,7 @@ void frmMain::SelectView(int view)
     if (view < 0 || view >= View::Count)
         return;
     m_view = view;
-    Image1[static_cast<std::size_t>(view)]->setChecked(true);
+    Image1[view]->setChecked(true);
     ShowKeptResults();
 }
 

@@ -20,11 +20,11 @@ frmSetts::frmSetts(Settings& settings, QWidget* parent)
     int* targets[] = {&m_settings.generateRules, &m_settings.generateRuleReverse, &m_settings.generateComment,
                       &m_settings.generateRecognizer};
     for (int i = 0; i < 4; ++i) {
-        chkRules[static_cast<std::size_t>(i)] = new QCheckBox(QString::fromLatin1(labels[i]));
-        chkRules[static_cast<std::size_t>(i)]->setObjectName(QStringLiteral("chkRules_%1").arg(i));
-        layout->addWidget(chkRules[static_cast<std::size_t>(i)]);
+        chkRules[i] = new QCheckBox(QString::fromLatin1(labels[i]));
+        chkRules[i]->setObjectName(QStringLiteral("chkRules_%1").arg(i));
+        layout->addWidget(chkRules[i]);
         int* target = targets[i];
-        connect(chkRules[static_cast<std::size_t>(i)], &QCheckBox::toggled, this, [this, target](bool on) {
+        connect(chkRules[i], &QCheckBox::toggled, this, [this, target](bool on) {
             if (!m_loading)
                 *target = on ? 1 : 0;
         });

@@ -53,7 +53,7 @@ void frmStat::Init()
     const Grammar& g = m_grammar;
     int empty = 0;
     for (int r = 1; r <= g.ruleCount && r < static_cast<int>(g.ruleIsEmpty.size()); ++r)
-        empty += g.ruleIsEmpty[static_cast<std::size_t>(r)] ? 1 : 0;
+        empty += g.ruleIsEmpty[r] ? 1 : 0;
     lblRules->setText(QString::number(g.ruleCount));
     lblTokens->setText(QString::number(g.terminalCount));
     lblSymbols->setText(QString::number(g.lastCode));
@@ -70,7 +70,7 @@ void frmStat::List2Fill(int feature)
     const Grammar& g = m_grammar;
     const std::vector<char>& marks = feature == 0 ? g.nullable : g.leftRecursive;
     for (int a = g.firstNonterminal; a <= g.lastCode && a < static_cast<int>(marks.size()); ++a) {
-        if (marks[static_cast<std::size_t>(a)])
+        if (marks[a])
             List2->addItem(g.GetSymbolS(a));
         m_grammar.host().yield();
         if (m_stop)

@@ -218,7 +218,7 @@ TEST(Lr, LalrEqualsMergedCanonicalOnRandomGrammars)
         const auto merged = MergedCanonical(ws);
         const LrResults& lalr = ws.lalr;
         std::map<std::pair<std::vector<int>, int>, std::set<int>> ours;
-        for (std::size_t s = 0; s < lalr.kernels.size(); ++s)
+        for (int s = 0; s < lalr.kernels.size(); ++s)
             for (const ItemLookahead& kept : lalr.lookaheads[s])
                 ours[{lalr.kernels[s], kept.item}] = std::set<int>(kept.terminals.begin(), kept.terminals.end());
         // Every merged canonical state is an LR(0) state with the same reduces.

@@ -59,7 +59,7 @@ TEST(FollowSets, StopAtEveryYieldLeavesTheFlagClearAndTheReportNotAnalyzed)
         int flag;
         void (Grammar::*run)();
         QString (Grammar::*report)();
-        std::vector<CodeList> Grammar::*sets;
+        Indexed<CodeList> Grammar::*sets;
     } steps[] = {
         {"FOLLOWB", GrammarFlag::FollowBDone, &Grammar::FindFollowB, &Grammar::CommentedBasis, &Grammar::followB},
         {"FOLLOWL", GrammarFlag::FollowLDone, &Grammar::FindFollowL, &Grammar::CommentedFollowL, &Grammar::followL},
