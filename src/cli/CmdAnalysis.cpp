@@ -127,6 +127,13 @@ bool ParseSummaryOptions(const QStringList& args, SummaryOptions& options)
     return true;
 }
 
+/// The reason summary shows in its own column (and in "reason"): a precedence
+/// refusal's. The LL(1) refusal is told in the verdict itself.
+QString ReasonColumn(const MethodVerdict& v)
+{
+    return v.analysed || v.refusal == Refusal::LeftRecursion ? QString() : RefusalReason(v.refusal);
+}
+
 /// "LALR(1)" or "not LALR(1)", with the reason of an LL(1) refusal; "not analysed" without a verdict.
 QString VerdictText(const MethodVerdict& v)
 {
@@ -134,7 +141,7 @@ QString VerdictText(const MethodVerdict& v)
     if (!v.HasVerdict())
         return QStringLiteral("not analysed");
     if (v.refusal == Refusal::LeftRecursion)
-        return QStringLiteral("not ") + method + QStringLiteral(": left recursion");
+        return QStringLiteral("not ") + method + QStringLiteral(": ") + RefusalReason(v.refusal);
     return v.passes ? method : QStringLiteral("not ") + method;
 }
 
@@ -147,7 +154,7 @@ QString SummaryLine(const MethodVerdict& v, qint64 ms)
                            : QStringLiteral("table %1x%2").arg(v.rows).arg(v.columns);
         line += size.leftJustified(16) + QStringLiteral("%1 conflicts").arg(v.conflicts).leftJustified(16);
     } else {
-        line += (v.refusal == Refusal::LeftRecursion ? QString() : RefusalReason(v.refusal)).leftJustified(32);
+        line += ReasonColumn(v).leftJustified(32);
     }
     line += ElapsedText(ms);
     while (line.endsWith(QLatin1Char(' ')))
@@ -162,8 +169,8 @@ QJsonObject SummaryJson(const MethodVerdict& v, qint64 ms)
     o[QStringLiteral("analysed")] = v.HasVerdict();
     if (v.HasVerdict())
         o[QStringLiteral("passes")] = v.passes;
-    if (!v.analysed && !RefusalReason(v.refusal).isEmpty() && v.refusal != Refusal::LeftRecursion)
-        o[QStringLiteral("reason")] = RefusalReason(v.refusal);
+    if (!ReasonColumn(v).isEmpty())
+        o[QStringLiteral("reason")] = ReasonColumn(v);
     if (v.analysed) {
         if (ViewOf(v.view).lrResults) {
             o[QStringLiteral("states")] = v.states;

@@ -60,21 +60,20 @@ void RunAnalyser(Workspace& workspace, AnalysisFrontend& frontend, IAnazer& anal
 
 QString ViewReport(Workspace& workspace, int view)
 {
-    if (view < 0 || view >= View::Count || !ViewOf(view).shownReport)
-        return QString();
-    return ViewOf(view).shownReport(workspace.grammar);
+    const ViewInfo* info = FindView(view);
+    return info && info->shownReport ? info->shownReport(workspace.grammar) : QString();
 }
 
 std::unique_ptr<IAnazer> MakeAnalyser(Workspace& workspace, int view)
 {
-    if (view < 0 || view >= View::Count || !ViewOf(view).IsAnalyser())
-        return nullptr;
-    return ViewOf(view).make(workspace);
+    const ViewInfo* info = FindView(view);
+    return info && info->IsAnalyser() ? info->make(workspace) : nullptr;
 }
 
 QString ItemListing(Workspace& workspace, int view)
 {
-    if (view < 0 || view >= View::Count || !ViewOf(view).HasItems())
+    const ViewInfo* info = FindView(view);
+    if (!info || !info->HasItems())
         return QString();
     const std::unique_ptr<IAnazer> analyser = MakeAnalyser(workspace, view);
     return static_cast<LrAnalyser&>(*analyser).ItemDisplay();
@@ -82,14 +81,14 @@ QString ItemListing(Workspace& workspace, int view)
 
 void Analyse(Workspace& workspace, AnalysisFrontend& frontend, int view)
 {
-    if (view < 0 || view >= View::Count)
+    const ViewInfo* info = FindView(view);
+    if (!info)
         return;
     ProcessStart(workspace, frontend);
     frontend.SetText2(QString());
-    const ViewInfo& info = ViewOf(view);
-    if (!info.IsAnalyser()) {
+    if (!info->IsAnalyser()) {
         AnalyzeGrammar(workspace, frontend);
-        if (info.shownReport)
+        if (info->shownReport)
             frontend.SetText2(ViewReport(workspace, view));
         return;
     }

@@ -8,7 +8,8 @@
 
 QString ExportSuffix(int view)
 {
-    return view >= 0 && view < View::Count ? QString::fromLatin1(ViewOf(view).exportSuffix) : QString();
+    const ViewInfo* info = FindView(view);
+    return info ? QString::fromLatin1(info->exportSuffix) : QString();
 }
 
 QString ExportBaseName(const QString& grammarPath)
@@ -26,22 +27,23 @@ QString ExportView(Workspace& workspace, AnalysisFrontend& frontend, int view)
         return QString();
     }
     const QString base = ExportBaseName(g.Path());
-    if (view < 0 || view >= View::Count)
+    const ViewInfo* info = FindView(view);
+    if (!info)
         return QString();
-    if (!ViewOf(view).IsAnalyser() && !g.GetFlag(GrammarFlag::Parsed)) {
+    if (!info->IsAnalyser() && !g.GetFlag(GrammarFlag::Parsed)) {
         host.information(QStringLiteral("Analyze grammar first."));
         return QString();
     }
-    if (ViewOf(view).IsAnalyser() && !IsAnalysed(workspace, view)) {
+    if (info->IsAnalyser() && !IsAnalysed(workspace, view)) {
         host.information(QStringLiteral("This method is not analysed yet."));
         return QString();
     }
 
     ProcessStart(workspace, frontend);
-    const QString file = base + ExportSuffix(view);
+    const QString file = base + QString::fromLatin1(info->exportSuffix);
     QString error;
     bool written = false;
-    if (ViewOf(view).IsAnalyser()) {
+    if (info->IsAnalyser()) {
         // A new analyser object draws on the kept results: no analysis runs. Its
         // tables are streamed into the file, then the text writer's final CR LF.
         workspace.current = MakeAnalyser(workspace, view);
@@ -58,7 +60,7 @@ QString ExportView(Workspace& workspace, AnalysisFrontend& frontend, int view)
         if (!written)
             error = QStringLiteral("cannot write ") + file + QStringLiteral(": ") + out.errorString();
     } else {
-        written = WriteTextFile(file, ViewOf(view).exportedReport(g), error);
+        written = WriteTextFile(file, info->exportedReport(g), error);
     }
     ProcessStop(workspace, frontend);
     if (!written) {

@@ -78,6 +78,11 @@ const ViewInfo& ViewOf(int view)
     return kViews[view];
 }
 
+const ViewInfo* FindView(int view)
+{
+    return view >= 0 && view < View::Count ? &kViews[static_cast<std::size_t>(view)] : nullptr;
+}
+
 int ParseView(const QString& text)
 {
     bool ok = false;
@@ -92,16 +97,18 @@ int ParseView(const QString& text)
 
 SavedStatus* SavedStatusOf(Model& model, int view)
 {
-    const ViewInfo& info = ViewOf(view);
-    if (info.lrResults)
-        return &(model.*info.lrResults).saved;
-    if (info.precedenceResults)
-        return &(model.*info.precedenceResults).saved;
-    return info.family == ViewFamily::LL ? &model.ll.saved : nullptr;
+    const ViewInfo* info = FindView(view);
+    if (!info)
+        return nullptr;
+    if (info->lrResults)
+        return &(model.*info->lrResults).saved;
+    if (info->precedenceResults)
+        return &(model.*info->precedenceResults).saved;
+    return info->family == ViewFamily::LL ? &model.ll.saved : nullptr;
 }
 
 bool IsAnalysed(const Model& model, int view)
 {
-    const ViewInfo& info = ViewOf(view);
-    return info.analysedFlag >= 0 && model.grammar.GetFlag(info.analysedFlag);
+    const ViewInfo* info = FindView(view);
+    return info && info->analysedFlag >= 0 && model.grammar.GetFlag(info->analysedFlag);
 }

@@ -69,10 +69,12 @@ struct ViewInfo {
 std::span<const ViewInfo> Views();
 /// The view numbered view; view must lie in 0..View::Count-1.
 const ViewInfo& ViewOf(int view);
+/// The view numbered view, or null for a number that names none.
+const ViewInfo* FindView(int view);
 /// The view a number ("8") or a trelk-cli name ("lalr", any letter case) names; -1 for none.
 int ParseView(const QString& text);
 
-/// The saved status texts of an analyser view (null for a report).
+/// The saved status texts of an analyser view (null for a report or no view).
 SavedStatus* SavedStatusOf(Model& model, int view);
-/// Whether the analyser of view has run on the current grammar (false for a report).
+/// Whether the analyser of view has run on the current grammar (false for a report or no view).
 bool IsAnalysed(const Model& model, int view);

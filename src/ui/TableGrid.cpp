@@ -19,13 +19,14 @@ quint64 Key(int row, int column)
 
 const LrResults* LrOf(const Workspace& ws, int view)
 {
-    return view >= 0 && view < View::Count && ViewOf(view).lrResults ? &(ws.*ViewOf(view).lrResults) : nullptr;
+    const ViewInfo* info = FindView(view);
+    return info && info->lrResults ? &(ws.*info->lrResults) : nullptr;
 }
 
 const PrecedenceResults* PrecedenceOf(const Workspace& ws, int view)
 {
-    return view >= 0 && view < View::Count && ViewOf(view).precedenceResults ? &(ws.*ViewOf(view).precedenceResults)
-                                                                              : nullptr;
+    const ViewInfo* info = FindView(view);
+    return info && info->precedenceResults ? &(ws.*info->precedenceResults) : nullptr;
 }
 
 } // namespace
@@ -43,7 +44,7 @@ void TableModel::ShowView(int view)
     m_rows = m_columns = 0;
     m_conflicts.clear();
     const Grammar& g = m_ws.grammar;
-    if (view >= 0 && view < View::Count && IsAnalysed(m_ws, view)) {
+    if (IsAnalysed(m_ws, view)) {
         m_view = view;
         if (view == View::LL) {
             m_rows = m_ws.ll.synta.Rows();

@@ -418,7 +418,7 @@ void frmMain::ShowParseErrorPlace()
 
 void frmMain::SelectView(int view)
 {
-    if (view < 0 || view >= View::Count)
+    if (!FindView(view))
         return;
     m_view = view;
     Image1[view]->setChecked(true);
