@@ -19,7 +19,10 @@ void ProcessStop(Workspace& workspace, AnalysisFrontend& frontend)
     frontend.OnProcessStop();
 }
 
-bool AnalyzeGrammar(Workspace& workspace, AnalysisFrontend& frontend)
+namespace {
+
+/// AnalyzeGrammar without its closing ProcessStop.
+bool PrepareGrammar(Workspace& workspace, AnalysisFrontend& frontend)
 {
     Grammar& grammar = workspace.grammar;
     bool ready = false;
@@ -38,6 +41,14 @@ bool AnalyzeGrammar(Workspace& workspace, AnalysisFrontend& frontend)
         }
     }
     frontend.GrammarSave();
+    return ready;
+}
+
+} // namespace
+
+bool AnalyzeGrammar(Workspace& workspace, AnalysisFrontend& frontend)
+{
+    const bool ready = PrepareGrammar(workspace, frontend);
     ProcessStop(workspace, frontend);
     return ready;
 }
@@ -92,7 +103,9 @@ void Analyse(Workspace& workspace, AnalysisFrontend& frontend, int view)
             frontend.SetText2(ViewReport(workspace, view));
         return;
     }
-    if (!workspace.grammar.Parsed() && !AnalyzeGrammar(workspace, frontend)) {
+    // Preparation keeps the busy state for the analyser: its ProcessStop would otherwise grey Stop before the analyser starts.
+    if (!workspace.grammar.Parsed() && !PrepareGrammar(workspace, frontend)) {
+        ProcessStop(workspace, frontend);
         frontend.SetText2(QStringLiteral("Grammar isn't analized."));  // spelled so on purpose: the shipped text
         return;
     }
