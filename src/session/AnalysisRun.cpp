@@ -53,7 +53,10 @@ bool AnalyzeGrammar(Workspace& workspace, AnalysisFrontend& frontend)
     return ready;
 }
 
-void RunAnalyser(Workspace& workspace, AnalysisFrontend& frontend, IAnazer& analyser)
+namespace {
+
+/// RunAnalyser without its closing save.
+void RunTimed(Workspace& workspace, AnalysisFrontend& frontend, IAnazer& analyser)
 {
     workspace.SetStatus(StatusField::State, QString());
     analyser.SetInProcess(true);
@@ -66,6 +69,13 @@ void RunAnalyser(Workspace& workspace, AnalysisFrontend& frontend, IAnazer& anal
         frontend.SetText2(QString());  // stopped by the user
     analyser.SetInProcess(false);
     ProcessStop(workspace, frontend);
+}
+
+} // namespace
+
+void RunAnalyser(Workspace& workspace, AnalysisFrontend& frontend, IAnazer& analyser)
+{
+    RunTimed(workspace, frontend, analyser);
     frontend.GrammarSave();
 }
 
@@ -115,8 +125,10 @@ void Analyse(Workspace& workspace, AnalysisFrontend& frontend, int view)
         ProcessStop(workspace, frontend);
         return;
     }
+    // The save after the run is the one below, which also keeps the listing and
+    // the status texts: a save costs as much as a run on a large automaton.
     if (!IsAnalysed(workspace, view))
-        RunAnalyser(workspace, frontend, *workspace.current);
+        RunTimed(workspace, frontend, *workspace.current);
     frontend.SetText2(frontend.WantsOutput() ? workspace.current->ExportDisplay() : QString());
     if (SavedStatus* saved = SavedStatusOf(workspace, view)) {
         saved->state = workspace.Status(StatusField::State);
