@@ -1,10 +1,12 @@
 /// \file
 /// trelk-gui-bench: the real main window, offscreen, on corpus grammars. For
-/// each view it times Analyse until the output box and the grid are shown and
-/// the event loop is idle again, the moment within that run at which the core
-/// was done (the analyser's last elapsed-time report), and a switch back to the
-/// view once every view has been analysed. The same Analyse without a window
-/// (what trelk-cli does) is timed beside it.
+/// each view it times Analyse: the moment within it at which the core was done
+/// (the analyser's last elapsed-time report), the first paint of the output box
+/// with the result, the end (the event loop idle again), the longest the
+/// window went without a turn of its event loop while the run was in progress
+/// (how long Stop could wait), and a switch back to the view once every view has
+/// been analysed. The same Analyse without a window (what trelk-cli does) is
+/// timed beside it.
 ///
 ///   trelk-gui-bench [--views 7,8] [--no-cli] [GRAMMAR ...]
 ///
@@ -12,6 +14,7 @@
 /// to a scratch folder first, as Analyse saves its grammar and companion.
 #include "session/AnalysisRun.h"
 #include "storage/GrammarFile.h"
+#include "ui/ListingView.h"
 #include "ui/frmMain.h"
 
 #include <QAction>
@@ -22,6 +25,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <algorithm>
 #include <cstdio>
 #include <sys/resource.h>
 
@@ -90,7 +94,51 @@ long PeakRssMiB()
 }
 
 struct Row {
-    double cli = -1, core = -1, shown = -1, back = -1;
+    double cli = -1, core = -1, painted = -1, idle = -1, gap = -1, back = -1;
+};
+
+/// Watches the window while Analyse runs: the first paint of a filled output
+/// box, and the longest stretch without a turn of the event loop during the run.
+class Watch final : public QObject {
+public:
+    Watch(frmMain& window, const QElapsedTimer& clock)
+        : m_window(window)
+        , m_clock(clock)
+    {
+        window.Text2->viewport()->installEventFilter(this);
+        QObject::connect(&m_ticks, &QTimer::timeout, [this] { Tick(); });
+        m_ticks.start(2);
+    }
+    void Arm()
+    {
+        painted = -1;
+        gap = 0;
+        m_last = 0;
+    }
+    qint64 painted = -1;
+    qint64 gap = 0;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint && painted < 0 && !m_window.Text2->text().isEmpty())
+            painted = m_clock.nsecsElapsed();
+        return false;
+    }
+
+private:
+    void Tick()
+    {
+        if (!m_window.Processing())
+            return;
+        const qint64 now = m_clock.nsecsElapsed();
+        gap = std::max(gap, now - m_last);
+        m_last = now;
+    }
+    frmMain& m_window;
+    const QElapsedTimer& m_clock;
+    QTimer m_ticks;
+    qint64 m_last = 0;
 };
 
 } // namespace
@@ -129,13 +177,14 @@ int main(int argc, char** argv)
         names = {QStringLiteral("postgres"), QStringLiteral("mysql"), QStringLiteral("scaling/exprprec_L650"),
                  QStringLiteral("scaling/stmts_n1100")};
 
-    // "cli": Analyse without a window; "core": the window's analyser done (its
-    // last elapsed-time report), from the start of Analyse; "shown": Analyse
-    // until the text and grid are shown and the event loop is idle; "after":
-    // shown - core, what the window adds after the core; "back": selecting the
-    // analysed view again after another view until idle.
-    std::printf("%-22s %-3s %9s %9s %9s %9s %9s\n", "grammar", "v", "cli ms", "core ms", "shown ms", "after ms",
-                "back ms");
+    // Times in ms from the start of Analyse. "cli": Analyse without a window;
+    // "core": the window's analyser done (its last elapsed-time report);
+    // "shown": the output box first painted with the result; "idle": the event
+    // loop idle again (after the save of grammar and companion); "gap": the
+    // longest the run went without a turn of the event loop; "back": selecting
+    // the analysed view again, after another view, until idle.
+    std::printf("%-22s %-3s %8s %8s %8s %8s %8s %8s\n", "grammar", "v", "cli", "core", "shown", "idle", "gap",
+                "back");
     for (const QString& name : names) {
         QTemporaryDir scratch;
         const QString source = CorpusDir() + QLatin1Char('/') + name + QStringLiteral(".tkg");
@@ -148,6 +197,7 @@ int main(int argc, char** argv)
         {
             BenchHost host;
             frmMain window(&host, QString());
+            Watch watch(window, host.clock);
             window.show();
             Idle();
             if (!window.TKGOpen(copy))
@@ -158,9 +208,12 @@ int main(int argc, char** argv)
                 Idle();
                 host.lastElapsed = -1;
                 host.clock.start();
+                watch.Arm();
                 window.Analyse();
                 Idle();
-                rows[v].shown = Ms(host.clock.nsecsElapsed());
+                rows[v].idle = Ms(host.clock.nsecsElapsed());
+                rows[v].painted = Ms(watch.painted);
+                rows[v].gap = Ms(watch.gap);
                 if (ViewOf(v).IsAnalyser() && host.lastElapsed >= 0)
                     rows[v].core = Ms(host.lastElapsed);
             }
@@ -190,9 +243,9 @@ int main(int argc, char** argv)
         auto cell = [](double ms) { return ms < 0 ? QStringLiteral("-") : QString::number(ms, 'f', 0); };
         for (int v : views) {
             const Row& r = rows[v];
-            std::printf("%-22s %-3s %9s %9s %9s %9s %9s\n", qPrintable(name), ViewOf(v).glyph, qPrintable(cell(r.cli)),
-                        qPrintable(cell(r.core)), qPrintable(cell(r.shown)),
-                        qPrintable(cell(r.core < 0 ? -1 : r.shown - r.core)), qPrintable(cell(r.back)));
+            std::printf("%-22s %-3s %8s %8s %8s %8s %8s %8s\n", qPrintable(name), ViewOf(v).glyph,
+                        qPrintable(cell(r.cli)), qPrintable(cell(r.core)), qPrintable(cell(r.painted)),
+                        qPrintable(cell(r.idle)), qPrintable(cell(r.gap)), qPrintable(cell(r.back)));
         }
         std::printf("%-22s peak RSS after the window: %ld MiB\n", qPrintable(name), windowRss);
         std::fflush(stdout);

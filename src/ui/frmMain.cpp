@@ -575,8 +575,14 @@ void frmMain::GrammarSave()
     // After a run the grammar is saved with its companion, which keeps the results
     // for the next opening. A grammar without a file is left for Save As: a dialog
     // after every run would be in the way.
-    if (!m_ws->grammar.Path().isEmpty())
-        FileSave();
+    if (m_ws->grammar.Path().isEmpty())
+        return;
+    // Saving a large automaton takes seconds: the results it keeps are shown first.
+    if (m_showing && !Text2->text().isEmpty()) {
+        Picture1->ShowView(m_view, m_ws->settings.cellWidth);
+        QCoreApplication::processEvents();
+    }
+    FileSave();
 }
 
 bool frmMain::FileSave()
