@@ -4,7 +4,7 @@ BUILD ?= build
 CMAKE_FLAGS ?= -DCMAKE_BUILD_TYPE=Release
 EXAMPLE ?= examples/expr.tkg
 
-.PHONY: all deps configure build run test bench screenshot clean
+.PHONY: all deps configure build run test bench bench-gui screenshot clean
 
 all: build
 
@@ -34,6 +34,10 @@ test: build
 bench: build
 	./$(BUILD)/bin/trelk-bench
 	python3 bench/compare.py --cli $(BUILD)/bin/trelk-cli
+
+# The main window offscreen on the large corpus grammars: Analyse-to-shown per view.
+bench-gui: build
+	./$(BUILD)/bin/trelk-gui-bench
 
 # Pictures of the window and the dialogs for the manual, under a virtual X server.
 # The grammar is copied first: a run saves its grammar (and companion) as the window does.

@@ -19,7 +19,10 @@ void ProcessStop(Workspace& workspace, AnalysisFrontend& frontend)
     frontend.OnProcessStop();
 }
 
-bool AnalyzeGrammar(Workspace& workspace, AnalysisFrontend& frontend)
+namespace {
+
+/// AnalyzeGrammar without its closing ProcessStop.
+bool PrepareGrammar(Workspace& workspace, AnalysisFrontend& frontend)
 {
     Grammar& grammar = workspace.grammar;
     bool ready = false;
@@ -38,11 +41,22 @@ bool AnalyzeGrammar(Workspace& workspace, AnalysisFrontend& frontend)
         }
     }
     frontend.GrammarSave();
+    return ready;
+}
+
+} // namespace
+
+bool AnalyzeGrammar(Workspace& workspace, AnalysisFrontend& frontend)
+{
+    const bool ready = PrepareGrammar(workspace, frontend);
     ProcessStop(workspace, frontend);
     return ready;
 }
 
-void RunAnalyser(Workspace& workspace, AnalysisFrontend& frontend, IAnazer& analyser)
+namespace {
+
+/// RunAnalyser without its closing save.
+void RunTimed(Workspace& workspace, AnalysisFrontend& frontend, IAnazer& analyser)
 {
     workspace.SetStatus(StatusField::State, QString());
     analyser.SetInProcess(true);
@@ -55,6 +69,13 @@ void RunAnalyser(Workspace& workspace, AnalysisFrontend& frontend, IAnazer& anal
         frontend.SetText2(QString());  // stopped by the user
     analyser.SetInProcess(false);
     ProcessStop(workspace, frontend);
+}
+
+} // namespace
+
+void RunAnalyser(Workspace& workspace, AnalysisFrontend& frontend, IAnazer& analyser)
+{
+    RunTimed(workspace, frontend, analyser);
     frontend.GrammarSave();
 }
 
@@ -92,7 +113,9 @@ void Analyse(Workspace& workspace, AnalysisFrontend& frontend, int view)
             frontend.SetText2(ViewReport(workspace, view));
         return;
     }
-    if (!workspace.grammar.Parsed() && !AnalyzeGrammar(workspace, frontend)) {
+    // Preparation keeps the busy state for the analyser: its ProcessStop would otherwise grey Stop before the analyser starts.
+    if (!workspace.grammar.Parsed() && !PrepareGrammar(workspace, frontend)) {
+        ProcessStop(workspace, frontend);
         frontend.SetText2(QStringLiteral("Grammar isn't analized."));  // spelled so on purpose: the shipped text
         return;
     }
@@ -102,8 +125,10 @@ void Analyse(Workspace& workspace, AnalysisFrontend& frontend, int view)
         ProcessStop(workspace, frontend);
         return;
     }
+    // The save after the run is the one below, which also keeps the listing and
+    // the status texts: a save costs as much as a run on a large automaton.
     if (!IsAnalysed(workspace, view))
-        RunAnalyser(workspace, frontend, *workspace.current);
+        RunTimed(workspace, frontend, *workspace.current);
     frontend.SetText2(frontend.WantsOutput() ? workspace.current->ExportDisplay() : QString());
     if (SavedStatus* saved = SavedStatusOf(workspace, view)) {
         saved->state = workspace.Status(StatusField::State);

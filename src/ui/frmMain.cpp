@@ -10,6 +10,7 @@
 #include "ui/FileDialogs.h"
 #include "ui/GrammarEditor.h"
 #include "ui/GuiHost.h"
+#include "ui/ListingView.h"
 #include "ui/TableGrid.h"
 #include "ui/frmAbout.h"
 #include "transform/Transform.h"
@@ -33,7 +34,6 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QPainter>
-#include <QPlainTextEdit>
 #include <QScreen>
 #include <QSplitter>
 #include <QStatusBar>
@@ -87,8 +87,14 @@ QIcon ViewIcon(const ViewInfo& info)
 /// The host the window hands to its workspace: message boxes go to the given
 /// host (or real ones), status texts to the three labels, and each turn of the
 /// message loop runs pending events (at most every 10 ms, so a turn per rule
-/// costs nothing while Stop still answers at once). The last critical message
-/// is kept so that the cursor can be put where a notation error is.
+/// costs nothing while Stop still answers at once).
+///
+/// An LR run reports a status text per state, tens of thousands a second.
+/// During a run the labels take the latest texts at most every 50 ms, and the
+/// texts left over are written when the run ends, so the labels end exact. A
+/// status report is also a turn of the message loop: a pass over many states
+/// has no other, and the window would stop answering (and painting) until the
+/// pass is done.
 class frmMain::WindowHost final : public Host {
 public:
     WindowHost(frmMain& window, Host* messages)
@@ -97,6 +103,7 @@ public:
         , m_messages(messages ? messages : m_own.get())
     {
         m_sinceYield.start();
+        m_sinceLabels.start();
     }
     void critical(const QString& text) override { m_messages->critical(text); }
     void information(const QString& text) override { m_messages->information(text); }
@@ -104,27 +111,48 @@ public:
     void yield() override
     {
         m_messages->yield();
-        if (m_sinceYield.elapsed() >= 10) {
+        Turn();
+    }
+    void status(StatusField field, const QString& text) override
+    {
+        const auto i = static_cast<std::size_t>(field);
+        m_pending[i] = text;
+        m_dirty[i] = true;
+        m_messages->status(field, text);
+        if (!m_window.processing || m_sinceLabels.elapsed() >= kLabelMs)
+            WriteLabels();
+        if (m_window.processing)
+            Turn();
+    }
+    /// Writes the texts not yet shown into the labels.
+    void WriteLabels()
+    {
+        QLabel* labels[] = {m_window.sState, m_window.sPass, m_window.sElapsed};
+        for (std::size_t i = 0; i < m_pending.size(); ++i)
+            if (m_dirty[i] && labels[i]) {
+                labels[i]->setText(m_pending[i]);
+                m_dirty[i] = false;
+            }
+        m_sinceLabels.restart();
+    }
+
+private:
+    static constexpr qint64 kYieldMs = 10;
+    static constexpr qint64 kLabelMs = 50;
+    void Turn()
+    {
+        if (m_sinceYield.elapsed() >= kYieldMs) {
             QCoreApplication::processEvents();
             m_sinceYield.restart();
         }
     }
-    void status(StatusField field, const QString& text) override
-    {
-        QLabel* label = field == StatusField::State  ? m_window.sState
-                      : field == StatusField::Pass   ? m_window.sPass
-                                                     : m_window.sElapsed;
-        if (label) {
-            label->setText(text);
-            label->repaint();
-        }
-        m_messages->status(field, text);
-    }
-private:
     frmMain& m_window;
     std::unique_ptr<GuiHost> m_own;
     Host* m_messages;
     QElapsedTimer m_sinceYield;
+    QElapsedTimer m_sinceLabels;
+    std::array<QString, 3> m_pending;
+    std::array<bool, 3> m_dirty{};
 };
 
 frmMain::frmMain(Host* messages, const QString& settingsFile)
@@ -140,10 +168,8 @@ frmMain::frmMain(Host* messages, const QString& settingsFile)
 
     Text1 = new GrammarEditor;
     Text1->setObjectName(QStringLiteral("Text1"));
-    Text2 = new QPlainTextEdit;
+    Text2 = new ListingView;
     Text2->setObjectName(QStringLiteral("Text2"));
-    Text2->setReadOnly(true);
-    Text2->setLineWrapMode(QPlainTextEdit::NoWrap);
     QFont mono(QStringLiteral("Courier New"));
     mono.setStyleHint(QFont::Monospace);
     mono.setPointSize(10);
@@ -354,22 +380,52 @@ void frmMain::SetText1(const QString& text)
 
 void frmMain::SetText2(const QString& text)
 {
-    Text2->setPlainText(QString(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
-    Text2->moveCursor(QTextCursor::Start);
+    Text2->setText(text);  // CR LF and LF alike; the box shows the beginning
 }
 
 void frmMain::OnProcessStart()
 {
-    QGuiApplication::setOverrideCursor(Qt::BusyCursor);
+    if (!QGuiApplication::overrideCursor())
+        QGuiApplication::setOverrideCursor(Qt::BusyCursor);
+    HoldCommands();
     mnuStop->setEnabled(true);
 }
 
 void frmMain::OnProcessStop()
 {
+    m_host->WriteLabels();
+    mnuStop->setEnabled(false);
+    if (!m_showing)
+        ReleaseCommands();
+}
+
+void frmMain::HoldCommands()
+{
+    if (!m_held.empty())
+        return;
+    QList<QAction*> commands = menuBar()->actions() + actions();
+    for (QMenu* menu : menuBar()->findChildren<QMenu*>())
+        commands += menu->actions();
+    for (QAction* a : commands)
+        if (a != mnuStop && a->isEnabled()) {
+            a->setEnabled(false);
+            m_held.emplace_back(a);
+        }
+    Image1[0]->parentWidget()->setEnabled(false);  // the view selectors, Items and Recent
+    Text1->setReadOnly(true);
+}
+
+void frmMain::ReleaseCommands()
+{
     // The default pointer, on purpose not the one in use when the run started.
     while (QGuiApplication::overrideCursor())
         QGuiApplication::restoreOverrideCursor();
-    mnuStop->setEnabled(false);
+    for (const QPointer<QAction>& a : m_held)
+        if (a)
+            a->setEnabled(true);
+    m_held.clear();
+    Image1[0]->parentWidget()->setEnabled(true);
+    Text1->setReadOnly(false);
 }
 
 void frmMain::ProcessStart()
@@ -395,11 +451,18 @@ void frmMain::Analyse()
 {
     if (processing)
         return;
+    // The busy pointer and the held commands last until the results are shown.
+    m_showing = true;
     ::Analyse(*m_ws, *this, m_view);
     ShowParseErrorPlace();
     if (itemsButton->isChecked() && ViewOf(m_view).HasItems() && IsAnalysed(*m_ws, m_view))
         ShowKeptResults();  // the item sets, as the Items button asks
     Picture1->ShowView(m_view, m_ws->settings.cellWidth);
+    // Clicks and keys that came while the results were being built reach the
+    // disabled commands now and are dropped, instead of running afterwards.
+    QCoreApplication::processEvents();
+    m_showing = false;
+    ReleaseCommands();
 }
 
 void frmMain::Stop()
@@ -512,8 +575,14 @@ void frmMain::GrammarSave()
     // After a run the grammar is saved with its companion, which keeps the results
     // for the next opening. A grammar without a file is left for Save As: a dialog
     // after every run would be in the way.
-    if (!m_ws->grammar.Path().isEmpty())
-        FileSave();
+    if (m_ws->grammar.Path().isEmpty())
+        return;
+    // Saving a large automaton takes seconds: the results it keeps are shown first.
+    if (m_showing && !Text2->text().isEmpty()) {
+        Picture1->ShowView(m_view, m_ws->settings.cellWidth);
+        QCoreApplication::processEvents();
+    }
+    FileSave();
 }
 
 bool frmMain::FileSave()

@@ -10,15 +10,17 @@
 #include "storage/PINI.h"
 
 #include <QMainWindow>
+#include <QPointer>
 #include <QUrl>
 #include <array>
 #include <functional>
 #include <memory>
+#include <vector>
 
 class GrammarEditor;
+class ListingView;
 class QLabel;
 class QMenu;
-class QPlainTextEdit;
 class QToolButton;
 class TableGrid;
 
@@ -66,7 +68,7 @@ public:
 
     // ---- Controls ---------------------------------------------------------------------
     GrammarEditor* Text1 = nullptr;
-    QPlainTextEdit* Text2 = nullptr;
+    ListingView* Text2 = nullptr;
     TableGrid* Picture1 = nullptr;
     std::array<QToolButton*, View::Count> Image1{};
     QLabel* sPass = nullptr;
@@ -141,6 +143,11 @@ private:
     void RememberRecent(const QString& path);
     void RefreshRecentMenu();
     void WriteSettingsAtClose();
+    /// While a run is in progress every command but Stop is disabled, and the
+    /// grammar box is read-only, so that a click is neither run in the middle
+    /// of the run nor queued to run after it.
+    void HoldCommands();
+    void ReleaseCommands();
 
     std::unique_ptr<WindowHost> m_host;
     std::unique_ptr<Workspace> m_ws;
@@ -150,4 +157,6 @@ private:
     bool m_loading = false;  ///< the editor is being filled by the program, not edited
     QStringList m_recent;
     QMenu* m_recentMenu = nullptr;
+    bool m_showing = false;                 ///< Analyse is showing its results: the commands stay held
+    std::vector<QPointer<QAction>> m_held;  ///< the commands HoldCommands disabled
 };

@@ -5,6 +5,7 @@
 #include "support/RecordingHost.h"
 
 #include <gtest/gtest.h>
+#include <tuple>
 
 namespace {
 
@@ -81,6 +82,28 @@ TEST_F(AnalysisRun, AnUnparsableGrammarIsNotAnalysed)
     EXPECT_EQ(fe.text2, QStringLiteral("Grammar isn't analized."));
     EXPECT_EQ(host.criticals, QStringList{QStringLiteral("Non-terminal F is not defined.")});
     EXPECT_FALSE(fe.processing);
+}
+
+TEST_F(AnalysisRun, TheFirstAnalyserRunIsOneBusySpanSavedAfterItsListing)
+{
+    // Preparation and the analyser share one busy span (Stop stays enabled
+    // between them); the grammar is saved after preparation and once more with
+    // the listing and status texts, not also in between.
+    Analyse(ws, fe, 8);
+    EXPECT_EQ((std::tuple{fe.starts, fe.stops, fe.saves}), (std::tuple{1, 1, 2}));
+    EXPECT_TRUE(ws.grammar.GetFlag(GrammarFlag::AnalysedLALR));
+    EXPECT_FALSE(fe.processing);
+
+    // Stopped in preparation, the span ends there and no analyser runs.
+    RecordingFrontend stopped{kExpr};
+    Workspace fresh{&host};
+    host.yields = 0;
+    host.stopAfter = 1;
+    host.stop = [&] { fresh.Stop(); };
+    Analyse(fresh, stopped, 8);
+    EXPECT_EQ(stopped.text2, QStringLiteral("Grammar isn't analized."));
+    EXPECT_EQ((std::tuple{stopped.starts, stopped.stops, stopped.saves}), (std::tuple{1, 1, 1}));
+    EXPECT_FALSE(fresh.grammar.GetFlag(GrammarFlag::AnalysedLALR) || stopped.processing);
 }
 
 TEST_F(AnalysisRun, AStoppedRunLeavesTheOutputEmpty)

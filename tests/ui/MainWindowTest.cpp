@@ -4,6 +4,7 @@
 #include "support/TestPaths.h"
 #include "ui/FileDialogs.h"
 #include "ui/GrammarEditor.h"
+#include "ui/ListingView.h"
 #include "ui/Startup.h"
 #include "ui/TableGrid.h"
 #include "ui/frmMain.h"
@@ -18,7 +19,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenuBar>
-#include <QPlainTextEdit>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QTimer>
 #include <QToolButton>
@@ -29,11 +30,6 @@ namespace {
 
 const QString kLL = Lines({"<E>", "<E>=<T><R>", "<R>=[+]<T><R>", "<R>=", "<T>=[a]"});
 const QString kExpr = Lines({"<E>", "<E>=<E>[+]<T>", "<E>=<T>", "<T>=<T>[*]<F>", "<T>=<F>", "<F>=[(]<E>[)]", "<F>=[a]"});
-
-QString Lf(const QString& text)
-{
-    return QString(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-}
 
 QString Title(const char* name)
 {
@@ -51,7 +47,7 @@ struct Window {
         w->SetText1(text);
     }
     ~Window() { KAVENDialog::SetScriptedAnswer({}); }
-    QString Output() const { return w->Text2->toPlainText(); }
+    QString Output() const { return w->Text2->text(); }
     Workspace& ws() { return w->workspace(); }
     void Analyse(int view)
     {
@@ -91,7 +87,7 @@ TEST(MainWindow, AnalyseFillsOutputAndGridAndIgnoresARunInProgress)
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 
     win.Analyse(6);
-    EXPECT_EQ(win.Output(), Lf(win.ws().ll.text));
+    EXPECT_EQ(win.Output(), win.ws().ll.text);
     EXPECT_EQ(win.w->Picture1->Model().rowCount(), win.ws().grammar.lastCode + 1);
     EXPECT_EQ(win.w->Picture1->Model().columnCount(), win.ws().grammar.terminalCount + 1);
     EXPECT_NE(win.w->sElapsed->text(), QStringLiteral("Time"));
@@ -132,21 +128,75 @@ TEST(MainWindow, StopEndsALongRun)
     EXPECT_EQ(win.w->Picture1->Model().rowCount(), 0);
 }
 
+TEST(MainWindow, ARunHoldsTheCommandsButStopAndDropsInputThatComesMeanwhile)
+{
+    // The first analysis after opening: grammar preparation, then the LR(1) analyser.
+    Window win(ReadGrammarText(CorpusDir() + QStringLiteral("/scaling/stmts_n300.tkg")));
+    int preparing = 0, analysing = 0, held = 0;
+    bool posted = false;
+    win.host.stopAfter = 1;
+    win.host.stop = [&] {
+        ++win.host.stopAfter;  // called again at the next turn
+        const IAnazer* analyser = win.ws().current.get();
+        (analyser && analyser->InProcess() ? analysing : preparing) += 1;
+        held += win.w->Processing() && win.w->mnuStop->isEnabled() && QApplication::overrideCursor()
+                && !win.w->mnuAnalyse->isEnabled() && !win.w->mnuFileOpen->isEnabled()
+                && !win.w->Image1[View::LL]->isEnabled() && win.w->Text1->isReadOnly();
+        if (analyser && analyser->InProcess() && !posted) {
+            // A click on the LL(1) selector, Analyse and a key in the grammar box, all waiting in the queue.
+            posted = true;
+            QToolButton* ll = win.w->Image1[View::LL];
+            const QPointF centre = QRectF(ll->rect()).center();
+            for (QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease})
+                QCoreApplication::postEvent(ll, new QMouseEvent(type, centre, ll->mapToGlobal(centre), Qt::LeftButton,
+                                                                type == QEvent::MouseButtonPress ? Qt::LeftButton
+                                                                                                 : Qt::NoButton,
+                                                                Qt::NoModifier));
+            QMetaObject::invokeMethod(win.w->mnuAnalyse, "trigger", Qt::QueuedConnection);
+            QCoreApplication::postEvent(win.w->Text1,
+                                        new QKeyEvent(QEvent::KeyPress, Qt::Key_X, Qt::NoModifier, QStringLiteral("x")));
+        }
+    };
+    const QString text = win.w->GrammarText();
+    win.Analyse(View::LR);
+    win.host.stop = nullptr;
+    QApplication::processEvents();
+    EXPECT_GT(preparing, 0);
+    EXPECT_GT(analysing, 0);
+    EXPECT_EQ(held, preparing + analysing);
+    ASSERT_TRUE(posted);
+    EXPECT_EQ(win.w->SelectedView(), View::LR);
+    EXPECT_FALSE(win.ws().grammar.GetFlag(GrammarFlag::AnalysedLL));
+    EXPECT_EQ(win.w->GrammarText(), text);
+    EXPECT_FALSE(win.w->Modified());
+    // Afterwards everything answers again, and the labels hold the run's last texts.
+    EXPECT_TRUE(win.ws().grammar.GetFlag(GrammarFlag::AnalysedLR));
+    EXPECT_FALSE(win.w->mnuStop->isEnabled());
+    EXPECT_TRUE(win.w->mnuAnalyse->isEnabled());
+    EXPECT_TRUE(win.w->Image1[View::LL]->isEnabled());
+    EXPECT_FALSE(win.w->Text1->isReadOnly());
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    EXPECT_EQ(win.w->sState->text(), win.ws().Status(StatusField::State));
+    EXPECT_EQ(win.w->sElapsed->text(), win.ws().Status(StatusField::Elapsed));
+    EXPECT_NE(win.w->sState->text(), QString());
+}
+
 TEST(MainWindow, ItemsButtonAndReselectedViewsShowKeptResults)
 {
     Window win(kExpr);
     win.w->itemsButton->setChecked(true);
     win.Analyse(8);
-    EXPECT_TRUE(win.Output().startsWith(QStringLiteral("State 0\n    <'> = \u2022 <E>\n"))) << win.Output().toStdString();
+    EXPECT_EQ(win.w->Text2->line(0), QStringLiteral("State 0"));
+    EXPECT_EQ(win.w->Text2->line(1), QStringLiteral("    <'> = \u2022 <E>"));
     win.w->itemsButton->setChecked(false);
-    EXPECT_EQ(win.Output(), Lf(win.ws().lalr.tableText));
+    EXPECT_EQ(win.Output(), win.ws().lalr.tableText);
 
     const QString elapsed = win.w->sElapsed->text();
     const auto statuses = win.host.statuses.size();
     win.w->SelectView(2);
     EXPECT_TRUE(win.Output().startsWith(QStringLiteral("FIRST(")));
     win.w->SelectView(8);
-    EXPECT_EQ(win.Output(), Lf(win.ws().lalr.tableText));
+    EXPECT_EQ(win.Output(), win.ws().lalr.tableText);
     EXPECT_EQ(win.w->sElapsed->text(), elapsed);
     EXPECT_EQ(win.host.statuses.size(), statuses);  // nothing ran again
 }
