@@ -136,9 +136,9 @@ public:
     QString CommentedSymbolsDisplay() const;
     /// The FOLLOWB report, labelled "BASIS(".
     QString CommentedBasis();
-    /// The FOLLOWL report, labelled "FOLLOW(".
+    /// The FOLLOWL report, labelled "FOLLOWL(" (the FOLLOWR report beside it must not read the same).
     QString CommentedFollowL();
-    /// The FOLLOWR report, labelled "FOLLOW(".
+    /// The FOLLOWR report, labelled "FOLLOWR(".
     QString CommentedFollowR();
     /// The detailed report: "FOLLOWB(", "FOLLOWL(" and "FOLLOWR(" lines per
     /// non-terminal; "Not analyzed." until all three are computed. Built on

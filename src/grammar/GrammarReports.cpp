@@ -147,7 +147,7 @@ QString Grammar::CommentedFollowL()
     if (!GetFlag(GrammarFlag::FollowLDone))
         return NotAnalyzed;
     if (followLReport.isEmpty() || followLReport == NotAnalyzed)
-        followLReport = BuildSetReport(QStringLiteral("FOLLOW("), followL);
+        followLReport = BuildSetReport(QStringLiteral("FOLLOWL("), followL);
     return followLReport;
 }
 
@@ -156,7 +156,7 @@ QString Grammar::CommentedFollowR()
     if (!GetFlag(GrammarFlag::FollowRDone))
         return NotAnalyzed;
     if (followRReport.isEmpty() || followRReport == NotAnalyzed)
-        followRReport = BuildSetReport(QStringLiteral("FOLLOW("), followR);
+        followRReport = BuildSetReport(QStringLiteral("FOLLOWR("), followR);
     return followRReport;
 }
 

@@ -58,5 +58,5 @@ void RunAnalyser(Workspace& workspace, AnalysisFrontend& frontend, IAnazer& anal
 /// The Analyse command for a view (0..11).
 void Analyse(Workspace& workspace, AnalysisFrontend& frontend, int view);
 
-/// The kept report of views 1..5 (the symbol listing and the set reports).
+/// The kept report of views 0..5 (the rule listing, the symbol listing and the set reports).
 QString ViewReport(Workspace& workspace, int view);

@@ -70,3 +70,72 @@ MethodVerdict Judge(const Model& model, int view)
     v.passes = v.conflicts == 0;
     return v;
 }
+
+namespace {
+
+QString Plural(int n, const char* one, const char* more)
+{
+    return QString::number(n) + QLatin1Char(' ') + QString::fromLatin1(n == 1 ? one : more);
+}
+
+/// "12 states" or "table 9x9"; in the overview's columns as summary has them ("1 states").
+QString TableSize(const MethodVerdict& v, bool column)
+{
+    if (!ViewOf(v.view).lrResults)
+        return QStringLiteral("table %1x%2").arg(v.rows).arg(v.columns);
+    return column ? QStringLiteral("%1 states").arg(v.states) : Plural(v.states, "state", "states");
+}
+
+/// "LALR(1)", "not LALR(1)" (with the reason of an LL(1) refusal), "not analysed".
+QString OverviewVerdict(const MethodVerdict& v)
+{
+    const QString method = QString::fromLatin1(ViewOf(v.view).method);
+    if (!v.HasVerdict())
+        return QStringLiteral("not analysed");
+    if (v.refusal == Refusal::LeftRecursion)
+        return QStringLiteral("not ") + method + QStringLiteral(": ") + RefusalReason(v.refusal);
+    return v.passes ? method : QStringLiteral("not ") + method;
+}
+
+} // namespace
+
+QString VerdictLine(const MethodVerdict& v)
+{
+    if (!v.HasVerdict())
+        return QString();
+    const QString method = QString::fromLatin1(ViewOf(v.view).method);
+    QString line = method + QStringLiteral(": the grammar is ") + (v.passes ? QString() : QStringLiteral("not "))
+                 + method;
+    QString details;
+    if (v.analysed)
+        details = TableSize(v, false) + QStringLiteral(", ") + Plural(v.conflicts, "conflict", "conflicts");
+    else
+        details = RefusalReason(v.refusal);
+    if (!details.isEmpty())
+        line += QStringLiteral(" \u2014 ") + details;
+    return line;
+}
+
+QString OverviewText(Model& model)
+{
+    QString text;
+    for (const ViewInfo& info : Views()) {
+        if (!info.IsAnalyser())
+            continue;
+        const MethodVerdict v = Judge(model, info.number);
+        QString line = QString::fromLatin1(info.method).leftJustified(20) + OverviewVerdict(v).leftJustified(28);
+        if (v.analysed)
+            line += TableSize(v, true).leftJustified(16)
+                  + QStringLiteral("%1 conflicts").arg(v.conflicts).leftJustified(16);
+        else if (v.refusal != Refusal::LeftRecursion)
+            line += RefusalReason(v.refusal).leftJustified(32);
+        else
+            line += QString().leftJustified(32);
+        if (const SavedStatus* saved = SavedStatusOf(model, info.number))
+            line += saved->elapsed;
+        while (line.endsWith(QLatin1Char(' ')))
+            line.chop(1);
+        text += line + QLatin1Char('\n');
+    }
+    return text;
+}

@@ -37,3 +37,15 @@ struct MethodVerdict {
 
 /// The verdict of analyser view 6..11 on the model as it stands (run Analyse first).
 MethodVerdict Judge(const Model& model, int view);
+
+/// The window's verdict line of analyser view 6..11, e.g.
+/// "SLR(1): the grammar is SLR(1) — 12 states, 0 conflicts",
+/// "LL(1): the grammar is not LL(1) — left recursion",
+/// "simple precedence: the grammar is not simple precedence — table 9x9, 2 conflicts";
+/// "" for a method without a verdict.
+QString VerdictLine(const MethodVerdict& verdict);
+
+/// The overview of the six methods, one line each, in the columns of
+/// trelk-cli summary: method, verdict, size and conflicts (or the reason of a
+/// refusal), and the elapsed text a run has kept for the method.
+QString OverviewText(Model& model);

@@ -20,6 +20,9 @@ std::unique_ptr<IAnazer> Make(Model& model)
 }
 
 QString Rules(Grammar& g) { return g.CommentedRules(); }
+// After Analyse the grammar view lists the numbered rules, so that "r6" in a
+// table can be looked up; before a parse it shows nothing.
+QString RulesShown(Grammar& g) { return g.GetFlag(GrammarFlag::Parsed) ? g.CommentedRules() : QString(); }
 QString Symbols(Grammar& g) { return g.GetFlag(GrammarFlag::Parsed) ? g.CommentedSymbolsDisplay() : NotAnalyzed; }
 QString SymbolsExported(Grammar& g) { return g.CommentedSymbolsDisplay(); }
 QString First(Grammar& g) { return g.CommentedFirst(); }
@@ -28,7 +31,7 @@ QString FollowL(Grammar& g) { return g.CommentedFollowL(); }
 QString FollowR(Grammar& g) { return g.CommentedFollowR(); }
 
 constexpr std::array<ViewInfo, View::Count> kViews{{
-    {View::Grammar, ViewFamily::Rules, "grammar", "G", "Grammar", "", "-0-grammar.txt", -1, nullptr, &Rules, nullptr, nullptr, nullptr},
+    {View::Grammar, ViewFamily::Rules, "grammar", "G", "Grammar", "", "-0-grammar.txt", -1, &RulesShown, &Rules, nullptr, nullptr, nullptr},
     {View::Symbols, ViewFamily::Report, "symbols", "Sy", "Symbols", "", "-1-symbols.txt", -1, &Symbols, &SymbolsExported, nullptr, nullptr, nullptr},
     {View::First, ViewFamily::Report, "first", "Fi", "FIRST", "", "-2-first.txt", -1, &First, &First, nullptr, nullptr, nullptr},
     // On purpose: the basis export carries the FIRST report, as it always has.

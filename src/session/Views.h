@@ -47,8 +47,8 @@ struct ViewInfo {
     const char* method;        ///< the method as summary and the window name it ("LALR(1)"); "" for a report
     const char* exportSuffix;  ///< the export file's suffix: "-8-LALR-table.txt"
     int analysedFlag;          ///< the grammar flag set once the analyser has run; -1 for a report
-    /// The report the output box shows after Analyse (the symbol and set
-    /// views); null for the others.
+    /// The report the output box shows after Analyse (the rule listing, the
+    /// symbol and set views); null for the analysers.
     QString (*shownReport)(Grammar&);
     /// The report Export writes for a grammar view (0..5); null for analysers.
     QString (*exportedReport)(Grammar&);

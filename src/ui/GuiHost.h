@@ -8,6 +8,13 @@
 
 class QWidget;
 
+/// The answer to "save the changes?" before the editor's text is given up.
+enum class SaveAnswer { Save, Discard, Cancel };
+
+/// The three-way question with the Save, Discard and Cancel buttons (Save the
+/// default, Esc answers Cancel), titled with the product line.
+SaveAnswer AskSaveChanges(QWidget* owner, const QString& text);
+
 class GuiHost final : public Host {
 public:
     explicit GuiHost(QWidget* owner);

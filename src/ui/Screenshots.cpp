@@ -2,6 +2,7 @@
 /// Pictures of the workbench for the manual.
 #include "ui/Screenshots.h"
 
+#include "ui/TableGrid.h"
 #include "ui/frmAbout.h"
 #include "ui/frmMain.h"
 #include "ui/frmRename.h"
@@ -29,6 +30,18 @@ bool Save(QWidget& widget, const QString& path)
     return widget.grab().save(path);
 }
 
+/// Chooses the first reduce of an LR table, so that the cell pane shows a state and a rule.
+void SelectFirstReduce(frmMain& window)
+{
+    TableModel& model = window.Picture1->Model();
+    for (int r = 0; r < model.rowCount(); ++r)
+        for (int c = 0; c < model.columnCount(); ++c)
+            if (model.CellText(r, c).startsWith(QLatin1Char('r'))) {
+                window.Picture1->setCurrentIndex(model.index(r, c));
+                return;
+            }
+}
+
 } // namespace
 
 int TakeScreenshots(frmMain& window, const QString& folder)
@@ -42,6 +55,7 @@ int TakeScreenshots(frmMain& window, const QString& folder)
     for (const auto& shot : shots) {
         window.SelectView(shot.view);
         window.Analyse();
+        SelectFirstReduce(window);
         ok &= Save(window, folder + QStringLiteral("/") + QString::fromLatin1(shot.file));
     }
     // The precedence grid on a copy of the example (a run saves its grammar), which has no empty rules.

@@ -55,7 +55,6 @@ frmMain* Main(const StartupOptions& options, int& status)
 
     auto* main = new frmMain(options.messages, ini.File());
     main->workspace().settings = settings;
-    main->setWindowTitle(kProductName);
     main->move(static_cast<int>(settings.left), static_cast<int>(settings.top));
     main->show();
 

@@ -3,6 +3,7 @@
 #include "ui/TableGrid.h"
 
 #include "session/AnalysisRun.h"
+#include "session/TableCells.h"
 
 #include <QBrush>
 #include <QFontMetrics>
@@ -82,14 +83,7 @@ QString TableModel::CellText(int row, int column) const
     if (m_view == View::LL)
         return m_ws.ll.synta.CellText(row, column);
     if (const LrResults* lr = LrOf(m_ws, m_view)) {
-        const int cell = RowEntry(lr->rows[row], column);
-        if (cell == 0)
-            return QString();
-        if (cell == lr->States())
-            return QStringLiteral("acc");
-        if (cell < 0)
-            return QStringLiteral("r") + QString::number(-cell);
-        return (m_ws.grammar.IsNonterminal(column) ? QStringLiteral("g") : QStringLiteral("s")) + QString::number(cell);
+        return LrEntryText(m_ws.grammar, lr->States(), column, RowEntry(lr->rows[row], column));
     }
     if (const PrecedenceResults* p = PrecedenceOf(m_ws, m_view)) {
         const Settings& s = m_ws.settings;
@@ -131,8 +125,14 @@ QVariant TableModel::data(const QModelIndex& index, int role) const
     case Qt::TextAlignmentRole:
         return int(Qt::AlignCenter);
     case Qt::ToolTipRole:
+        // Every action that wanted a conflicting cell; the rule behind a reduce.
         if (IsConflict(index.row(), index.column()))
-            return tr("Conflict: more than one entry wanted this cell");
+            return ConflictDescription(m_ws, m_view, index.row(), index.column());
+        if (const LrResults* lr = LrOf(m_ws, m_view)) {
+            const int entry = RowEntry(lr->rows[index.row()], index.column());
+            if (entry < 0)
+                return NumberedRule(m_ws.grammar, -entry);
+        }
         return QVariant();
     default:
         return QVariant();
@@ -141,12 +141,22 @@ QVariant TableModel::data(const QModelIndex& index, int role) const
 
 QVariant TableModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    if (role != Qt::DisplayRole)
+    if (role != Qt::DisplayRole && role != Qt::ToolTipRole)
         return QAbstractTableModel::headerData(section, orientation, role);
     const Grammar& g = m_ws.grammar;
-    if (orientation == Qt::Vertical && LrOf(m_ws, m_view))
-        return QString::number(section);  // states
-    return g.GetSymbolS(section);  // codes: the end marker, terminals, non-terminals
+    if (orientation == Qt::Vertical && LrOf(m_ws, m_view)) {
+        if (role == Qt::DisplayRole)
+            return QString::number(section);  // states
+        // The state with the symbol that leads into it, as the item listing heads it.
+        const LrResults& lr = *LrOf(m_ws, m_view);
+        QString tip = QStringLiteral("State ") + QString::number(section);
+        if (section > 0 && section < lr.accessing.size())
+            tip += QStringLiteral(" (") + g.GetSymbolS(lr.accessing[section]) + QLatin1Char(')');
+        return tip;
+    }
+    // Codes: the end marker, terminals, non-terminals; the tip has the whole
+    // name, which a narrow column clips.
+    return g.GetSymbolS(section);
 }
 
 TableGrid::TableGrid(Workspace& workspace, QWidget* parent)

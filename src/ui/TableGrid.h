@@ -1,8 +1,9 @@
 /// \file
 /// TableGrid: the picture box Picture1 — the parsing table of the selected
 /// analyser view as a grid: the LL(1) table, the LR actions and gotos, the
-/// precedence relations. Symbol names head the rows and columns; conflicting
-/// cells are tinted so the eye finds them.
+/// precedence relations. Symbol names head the rows and columns (the whole
+/// name in the heading's tool tip); conflicting cells are tinted so the eye
+/// finds them, and their tool tips list every action that wanted the cell.
 #pragma once
 
 #include <QAbstractTableModel>

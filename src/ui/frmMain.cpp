@@ -19,12 +19,16 @@
 #include "ui/frmSetts.h"
 #include "ui/frmStat.h"
 #include "session/OpenSave.h"
+#include "session/TableCells.h"
 #include "session/TransformCommand.h"
+#include "session/Verdicts.h"
 
 #include <QApplication>
 #include <QButtonGroup>
 #include <QCloseEvent>
 #include <QCoreApplication>
+#include <QDialog>
+#include <QDialogButtonBox>
 #include <QDesktopServices>
 #include <QDir>
 #include <QElapsedTimer>
@@ -38,7 +42,9 @@
 #include <QSplitter>
 #include <QStatusBar>
 #include <QToolBar>
+#include <QTimer>
 #include <QToolButton>
+#include <QVBoxLayout>
 
 namespace {
 
@@ -62,6 +68,34 @@ QRgb TileColour(const ViewInfo& info)
         return 0x6f5ba8;
     }
     return 0x5b7db1;
+}
+
+/// A status label's text: the run's text, or the label's name while it has none;
+/// the elapsed time with its unit ("Time: 0,845 s"; "1:02,345" reads as minutes).
+QString StatusLabelText(StatusField field, const QString& text)
+{
+    switch (field) {
+    case StatusField::State:
+        return text.isEmpty() ? QStringLiteral("State:") : text;
+    case StatusField::Pass:
+        return text.isEmpty() ? QStringLiteral("Pass:") : text;
+    case StatusField::Elapsed:
+        if (text.isEmpty())
+            return QStringLiteral("Time");
+        return QStringLiteral("Time: ") + text + (text.contains(QLatin1Char(':')) ? QString() : QStringLiteral(" s"));
+    }
+    return text;
+}
+
+/// The grammar file a drag carries: the first URL when it is a local .tkg or
+/// .txt file (what File Open offers); "" otherwise.
+QString DroppedGrammar(const QMimeData* mime)
+{
+    if (!mime || !mime->hasUrls() || mime->urls().isEmpty() || !mime->urls().first().isLocalFile())
+        return QString();
+    const QString path = mime->urls().first().toLocalFile();
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    return suffix == QStringLiteral("tkg") || suffix == QStringLiteral("txt") ? path : QString();
 }
 
 QIcon ViewIcon(const ViewInfo& info)
@@ -130,7 +164,7 @@ public:
         QLabel* labels[] = {m_window.sState, m_window.sPass, m_window.sElapsed};
         for (std::size_t i = 0; i < m_pending.size(); ++i)
             if (m_dirty[i] && labels[i]) {
-                labels[i]->setText(m_pending[i]);
+                labels[i]->setText(StatusLabelText(static_cast<StatusField>(i), m_pending[i]));
                 m_dirty[i] = false;
             }
         m_sinceLabels.restart();
@@ -164,7 +198,8 @@ frmMain::frmMain(Host* messages, const QString& settingsFile)
     setWindowTitle(kProduct);
     setFont(QFont(QStringLiteral("Tahoma")));
     setAcceptDrops(true);
-    urlOpener = [](const QUrl& url) { QDesktopServices::openUrl(url); };
+    urlOpener = [](const QUrl& url) { return QDesktopServices::openUrl(url); };
+    saveQuestion = [this](const QString& question) { return AskSaveChanges(this, question); };
 
     Text1 = new GrammarEditor;
     Text1->setObjectName(QStringLiteral("Text1"));
@@ -187,6 +222,7 @@ frmMain::frmMain(Host* messages, const QString& settingsFile)
     main->setStretchFactor(0, 2);
     main->setStretchFactor(1, 3);
     setCentralWidget(main);
+    BuildReadingAids(output);
 
     auto* bar = new QToolBar(QStringLiteral("Views"));
     bar->setObjectName(QStringLiteral("ViewBar"));
@@ -347,10 +383,12 @@ void frmMain::BuildMenus()
     mnuClear = action("mnuClear", QStringLiteral("&Очистить"), &frmMain::Clear);
     mnuExport = action("mnuExport", QStringLiteral("&Экспорт"), &frmMain::Export, QKeySequence(QStringLiteral("Ctrl+E")));
     mnuStat = action("mnuStat", QStringLiteral("С&татистика"), &frmMain::Statistics);
+    mnuOverview = action("mnuOverview", QStringLiteral("О&бзор"), &frmMain::Overview, QKeySequence(Qt::Key_F6));
+    mnuOverview->setToolTip(QStringLiteral("The verdicts of all six methods"));
     mnuSettings = action("mnuSettings", QStringLiteral("&Настройки"), &frmMain::Options);
     mnuHelp = action("mnuHelp", QStringLiteral("&Справка"), &frmMain::Help, QKeySequence::HelpContents);
     mnuAbout = action("mnuAbout", QStringLiteral("&О..."), &frmMain::About);
-    for (QAction* a : {mnuClear, mnuExport, mnuStat, mnuSettings, mnuHelp, mnuAbout})
+    for (QAction* a : {mnuClear, mnuExport, mnuStat, mnuOverview, mnuSettings, mnuHelp, mnuAbout})
         bar->addAction(a);
     // The view selectors are also reached from the keyboard: Ctrl+1 .. Ctrl+0, Ctrl+-, Ctrl+=.
     const char* keys[View::Count] = {"Ctrl+1", "Ctrl+2", "Ctrl+3", "Ctrl+4", "Ctrl+5", "Ctrl+6",
@@ -361,6 +399,71 @@ void frmMain::BuildMenus()
         connect(a, &QAction::triggered, this, [this, v] { SelectView(v); });
         addAction(a);
     }
+}
+
+void frmMain::BuildReadingAids(QSplitter* output)
+{
+    // Above the output box the verdict of the selected method; below the grid
+    // what the chosen cell means. Each pair shares one place of the splitter.
+    QFont mono(QStringLiteral("Courier New"));
+    mono.setStyleHint(QFont::Monospace);
+    mono.setPointSize(10);
+
+    verdictLabel = new QLabel;
+    verdictLabel->setObjectName(QStringLiteral("verdictLabel"));
+    verdictLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    QFont bold = verdictLabel->font();
+    bold.setBold(true);
+    verdictLabel->setFont(bold);
+    auto* top = new QWidget;
+    auto* topLayout = new QVBoxLayout(top);
+    topLayout->setContentsMargins(0, 0, 0, 0);
+    topLayout->setSpacing(2);
+    topLayout->addWidget(verdictLabel);
+    QWidget* text2 = output->replaceWidget(0, top);
+    topLayout->addWidget(text2);
+
+    cellPane = new QPlainTextEdit;
+    cellPane->setObjectName(QStringLiteral("cellPane"));
+    cellPane->setReadOnly(true);
+    cellPane->setLineWrapMode(QPlainTextEdit::NoWrap);
+    cellPane->setFont(mono);
+    cellPane->setPlaceholderText(
+        QStringLiteral("Click a cell of the table to see what it means: the items of an LR state, the rule of a reduce."));
+    cellPane->setMaximumHeight(QFontMetrics(mono).lineSpacing() * 8 + 12);
+    auto* bottom = new QWidget;
+    auto* bottomLayout = new QVBoxLayout(bottom);
+    bottomLayout->setContentsMargins(0, 0, 0, 0);
+    bottomLayout->setSpacing(2);
+    QWidget* grid = output->replaceWidget(1, bottom);
+    bottomLayout->addWidget(grid, 1);
+    bottomLayout->addWidget(cellPane);
+    output->setStretchFactor(0, 2);
+    output->setStretchFactor(1, 3);
+
+    auto show = [this](const QModelIndex& index) { ShowCellDetails(index); };
+    connect(Picture1, &QAbstractItemView::clicked, this, show);
+    connect(Picture1->selectionModel(), &QItemSelectionModel::currentChanged, this, show);
+
+    // Grammar files dropped anywhere open; their addresses are never typed into the editor.
+    for (QWidget* target : {static_cast<QWidget*>(Text1), text2, static_cast<QWidget*>(Picture1)}) {
+        target->setAcceptDrops(true);
+        target->installEventFilter(this);
+        if (auto* area = qobject_cast<QAbstractScrollArea*>(target)) {
+            area->viewport()->setAcceptDrops(true);
+            area->viewport()->installEventFilter(this);
+        }
+    }
+}
+
+void frmMain::ShowCellDetails(const QModelIndex& index)
+{
+    if (!index.isValid() || Picture1->Model().View() < 0) {
+        cellPane->clear();
+        return;
+    }
+    const QString text = CellDetails(*m_ws, Picture1->Model().View(), index.row(), index.column());
+    cellPane->setPlainText(text);
 }
 
 // ---- The analysis run --------------------------------------------------------------
@@ -376,6 +479,7 @@ void frmMain::SetText1(const QString& text)
     Text1->setPlainText(QString(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
     Text1->moveCursor(QTextCursor::Start);
     m_loading = false;
+    SetModified(Text1->toPlainText() != m_savedText);
 }
 
 void frmMain::SetText2(const QString& text)
@@ -458,6 +562,7 @@ void frmMain::Analyse()
     if (itemsButton->isChecked() && ViewOf(m_view).HasItems() && IsAnalysed(*m_ws, m_view))
         ShowKeptResults();  // the item sets, as the Items button asks
     Picture1->ShowView(m_view, m_ws->settings.cellWidth);
+    ShowRunState();
     // Clicks and keys that came while the results were being built reach the
     // disabled commands now and are dropped, instead of running afterwards.
     QCoreApplication::processEvents();
@@ -467,6 +572,7 @@ void frmMain::Analyse()
 
 void frmMain::Stop()
 {
+    m_stopAsked = true;
     m_ws->Stop();
 }
 
@@ -485,29 +591,44 @@ void frmMain::SelectView(int view)
         return;
     m_view = view;
     Image1[view]->setChecked(true);
+    itemsButton->setEnabled(ViewOf(view).HasItems());
     ShowKeptResults();
 }
 
 void frmMain::ShowKeptResults()
 {
-    Grammar& g = m_ws->grammar;
     const ViewInfo& info = ViewOf(m_view);
-    if (info.family == ViewFamily::Rules) {
-        SetText2(g.GetFlag(GrammarFlag::Parsed) ? g.CommentedRules() : QString());
-    } else if (!info.IsAnalyser()) {
+    if (!info.IsAnalyser()) {
         SetText2(ViewReport(*m_ws, m_view));
     } else {
         if (info.HasItems() && itemsButton->isChecked())
             SetText2(ItemListing(*m_ws, m_view));
         else
             SetText2(MakeAnalyser(*m_ws, m_view)->ExportDisplay());
-        if (const SavedStatus* saved = SavedStatusOf(*m_ws, m_view)) {
-            sState->setText(saved->state.isEmpty() ? QStringLiteral("State:") : saved->state);
-            sPass->setText(saved->pass.isEmpty() ? QStringLiteral("Pass:") : saved->pass);
-            sElapsed->setText(saved->elapsed.isEmpty() ? QStringLiteral("Time") : saved->elapsed);
-        }
     }
     Picture1->ShowView(m_view, m_ws->settings.cellWidth);
+    ShowRunState();
+}
+
+void frmMain::ShowRunState()
+{
+    const SavedStatus* saved = IsAnalysed(*m_ws, m_view) ? SavedStatusOf(*m_ws, m_view) : nullptr;
+    if (saved) {
+        sState->setText(StatusLabelText(StatusField::State, saved->state));
+        sPass->setText(StatusLabelText(StatusField::Pass, saved->pass));
+        sElapsed->setText(StatusLabelText(StatusField::Elapsed, saved->elapsed));
+    } else {
+        ClearStatusLabels();
+    }
+    verdictLabel->setText(ViewOf(m_view).IsAnalyser() ? VerdictLine(Judge(*m_ws, m_view)) : QString());
+    cellPane->clear();
+}
+
+void frmMain::ClearStatusLabels()
+{
+    sState->setText(StatusLabelText(StatusField::State, QString()));
+    sPass->setText(StatusLabelText(StatusField::Pass, QString()));
+    sElapsed->setText(StatusLabelText(StatusField::Elapsed, QString()));
 }
 
 void frmMain::ResetResults()
@@ -521,7 +642,7 @@ void frmMain::ResetText()
 {
     // The grammar's own text (after a renaming) into the editor, then saved.
     SetText1(m_ws->grammar.Text());
-    m_modified = true;
+    SetModified(true);
     FileSave();
     SetCaption();
 }
@@ -531,7 +652,8 @@ void frmMain::OnGrammarEdited()
     if (m_loading)
         return;
     // Editing invalidates the previous parse and every result drawn from it.
-    m_modified = true;
+    // Undoing back to the file's text is no longer a change.
+    SetModified(Text1->toPlainText() != m_savedText);
     if (m_ws->grammar.GetFlag(GrammarFlag::Parsed) || m_ws->grammar.terminalCount > 0)
         ResetResults();
 }
@@ -541,14 +663,59 @@ void frmMain::Clear()
     if (processing)
         return;
     ResetResults();
+    ClearStatusLabels();
 }
 
 // ---- Files -----------------------------------------------------------------------------
 
 void frmMain::SetCaption()
 {
+    // "[*]" shows as "*" while the editor holds changes not in the file.
     const QString name = m_ws->grammar.Name();
-    setWindowTitle(kProduct + QStringLiteral(" \u2014 ") + (name.isEmpty() ? QStringLiteral("[New]") : name));
+    setWindowTitle(kProduct + QStringLiteral(" \u2014 ") + (name.isEmpty() ? QStringLiteral("[New]") : name)
+                   + QStringLiteral("[*]"));
+    setWindowModified(m_modified);
+}
+
+void frmMain::SetModified(bool modified)
+{
+    m_modified = modified;
+    setWindowModified(modified);
+}
+
+void frmMain::MarkSaved()
+{
+    m_savedText = Text1->toPlainText();
+    SetModified(false);
+}
+
+QString frmMain::SaveQuestionText() const
+{
+    const QString name = m_ws->grammar.Name();
+    return name.isEmpty() ? QStringLiteral("Save the new grammar?")
+                          : QStringLiteral("Save the changes to ") + name + QLatin1Char('?');
+}
+
+bool frmMain::MaybeSave()
+{
+    if (!m_modified)
+        return true;
+    switch (saveQuestion(SaveQuestionText())) {
+    case SaveAnswer::Save:
+        return FileSave();
+    case SaveAnswer::Discard:
+        return true;
+    case SaveAnswer::Cancel:
+        break;
+    }
+    return false;
+}
+
+bool frmMain::OpenAfterAsking(const QString& path)
+{
+    if (processing || !MaybeSave())
+        return false;
+    return TKGOpen(path);
 }
 
 bool frmMain::TKGOpen(const QString& path)
@@ -562,8 +729,8 @@ bool frmMain::TKGOpen(const QString& path)
         return false;
     }
     SetText1(text);
+    MarkSaved();
     m_ws->settings.filePath = m_ws->grammar.Path();
-    m_modified = false;
     RememberRecent(m_ws->grammar.Path());
     SetCaption();
     ShowKeptResults();
@@ -593,7 +760,7 @@ bool frmMain::FileSave()
     if (!GrammarSaveAs(*m_ws, m_ws->grammar.Path(), Text1->CrLfText()))
         return false;
     m_ws->settings.filePath = m_ws->grammar.Path();
-    m_modified = false;
+    MarkSaved();
     SetCaption();
     return true;
 }
@@ -603,7 +770,9 @@ bool frmMain::FileSaveAs()
     KAVENSave dialog;
     dialog.Filter = {GrammarFilesFilter()};
     dialog.File = m_ws->grammar.Path();
-    dialog.InitDir = NormaliseFolder(m_ws->settings.saveDir);
+    // A grammar with a file is saved again beside it; a new one where the last went.
+    dialog.InitDir = NormaliseFolder(m_ws->grammar.Path().isEmpty() ? m_ws->settings.saveDir
+                                                                     : QFileInfo(m_ws->grammar.Path()).absolutePath());
     dialog.DefaultExt = QStringLiteral("tkg");
     dialog.Owner = this;
     if (!dialog.GetFileName())
@@ -616,6 +785,8 @@ bool frmMain::FileSaveAs()
 
 void frmMain::FileOpen()
 {
+    if (processing || !MaybeSave())
+        return;
     KAVENOpen dialog;
     // Grammar files are the first choice.
     dialog.Filter = {GrammarFilesFilter(), TextFilesFilter()};
@@ -632,13 +803,18 @@ void frmMain::FileOpen()
 
 void frmMain::FileNew()
 {
-    if (processing)
+    // Like every command that gives up the editor's text, New asks first.
+    if (processing || !MaybeSave())
         return;
-    // A new, empty grammar: the previous text is given up without asking, as File New always has.
+    StartNewGrammar();
+}
+
+void frmMain::StartNewGrammar()
+{
     m_ws->grammar = Grammar(m_host.get());
     m_ws->ResetResults();
+    m_savedText.clear();
     SetText1(QString());
-    m_modified = false;
     SetCaption();
     SelectView(View::Grammar);
 }
@@ -647,7 +823,7 @@ void frmMain::FileBack()
 {
     const QString path = m_ws->settings.filePath;
     if (!path.isEmpty() && QFileInfo(path).isFile())
-        TKGOpen(path);
+        OpenAfterAsking(path);
 }
 
 void frmMain::FileRename()
@@ -699,22 +875,53 @@ void frmMain::RefreshRecentMenu()
     for (const QString& path : m_recent) {
         QAction* a = m_recentMenu->addAction(QFileInfo(path).fileName());
         a->setToolTip(path);
-        connect(a, &QAction::triggered, this, [this, path] { TKGOpen(path); });
+        connect(a, &QAction::triggered, this, [this, path] { OpenAfterAsking(path); });
     }
     recentButton->setEnabled(!m_recent.isEmpty());
 }
 
 void frmMain::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (event->mimeData()->hasUrls())
+    if (!DroppedGrammar(event->mimeData()).isEmpty())
         event->acceptProposedAction();
 }
 
 void frmMain::dropEvent(QDropEvent* event)
 {
-    const QList<QUrl> urls = event->mimeData()->urls();
-    if (!urls.isEmpty() && urls.first().isLocalFile())
-        TKGOpen(urls.first().toLocalFile());
+    const QString path = DroppedGrammar(event->mimeData());
+    if (path.isEmpty())
+        return;
+    event->acceptProposedAction();
+    // The question comes after the drop has ended, so that the program the file
+    // came from is not held up while the user answers it.
+    QTimer::singleShot(0, this, [this, path] { OpenAfterAsking(path); });
+}
+
+bool frmMain::eventFilter(QObject* watched, QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::Drop: {
+        auto* drop = static_cast<QDropEvent*>(event);
+        if (!drop->mimeData()->hasUrls())
+            break;  // text dragged within or into the editor is the editor's business
+        // A file is never typed into the editor as its address: a grammar file
+        // opens, any other is refused.
+        if (DroppedGrammar(drop->mimeData()).isEmpty()) {
+            drop->ignore();
+            return true;
+        }
+        if (event->type() == QEvent::Drop)
+            dropEvent(drop);
+        else
+            drop->acceptProposedAction();
+        return true;
+    }
+    default:
+        break;
+    }
+    return QMainWindow::eventFilter(watched, event);
 }
 
 // ---- Transformations ---------------------------------------------------------------------
@@ -723,14 +930,19 @@ void frmMain::Transform(const QString& code)
 {
     if (processing)
         return;
+    // The result replaces the editor's text when it opens: the edits are saved
+    // or given up first (a grammar without a file is refused for that below).
+    if (!m_ws->grammar.Path().isEmpty() && !MaybeSave())
+        return;
     ProcessStart();
     QString newText;
     const QString written = RunTransformation(*m_ws, code, Text1->CrLfText(), newText);
     ProcessStop();
+    ClearStatusLabels();
     if (written.isEmpty())
         return;  // refused, stopped or not needed: the host has said why where there is a reason
     // The result is the new grammar: the window starts afresh on the file just written.
-    FileNew();
+    StartNewGrammar();
     TKGOpen(written);
 }
 
@@ -755,6 +967,48 @@ void frmMain::Export()
         ExportView(*m_ws, *this, m_view);
 }
 
+void frmMain::Overview()
+{
+    if (processing)
+        return;
+    // The methods not analysed yet run as Analyse runs them, each saving its
+    // results, without building listings nobody reads.
+    m_stopAsked = false;
+    m_quietRuns = true;
+    for (const ViewInfo& info : Views()) {
+        if (!info.IsAnalyser() || IsAnalysed(*m_ws, info.number))
+            continue;
+        ::Analyse(*m_ws, *this, info.number);
+        if (m_stopAsked || !m_ws->grammar.Parsed())
+            break;
+    }
+    m_quietRuns = false;
+    ShowKeptResults();
+    ShowParseErrorPlace();
+    if (m_stopAsked || !m_ws->grammar.Parsed())
+        return;
+
+    QDialog dialog(this);
+    dialog.setObjectName(QStringLiteral("frmOverview"));
+    dialog.setWindowTitle(QStringLiteral("Overview of the methods"));
+    auto* text = new QPlainTextEdit(OverviewText(*m_ws).trimmed());
+    text->setObjectName(QStringLiteral("overviewText"));
+    text->setReadOnly(true);
+    text->setLineWrapMode(QPlainTextEdit::NoWrap);
+    QFont mono(QStringLiteral("Courier New"));
+    mono.setStyleHint(QFont::Monospace);
+    mono.setPointSize(10);
+    text->setFont(mono);
+    const QFontMetrics metrics(mono);
+    text->setMinimumSize(metrics.horizontalAdvance(QString(100, QLatin1Char('M'))) + 24, metrics.lineSpacing() * 7 + 16);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+    connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    auto* layout = new QVBoxLayout(&dialog);
+    layout->addWidget(text);
+    layout->addWidget(buttons);
+    dialog.exec();
+}
+
 void frmMain::Statistics()
 {
     frmStat dialog(m_ws->grammar, this);
@@ -776,18 +1030,19 @@ void frmMain::About()
 void frmMain::Help()
 {
     const QString chm = ProgramFolder() + QStringLiteral("TRELK.chm");
-    if (QFileInfo::exists(chm)) {
-        urlOpener(QUrl::fromLocalFile(chm));
+    if (QFileInfo::exists(chm) && urlOpener(QUrl::fromLocalFile(chm)))
         return;
-    }
     // Without the help file, the manual that ships with the program.
     for (const QString& manual : {ProgramFolder() + QStringLiteral("docs/manual.html"),
                                   QStringLiteral(TRELK_DOCS_DIR "/manual.html")}) {
         if (QFileInfo::exists(manual)) {
-            urlOpener(QUrl::fromLocalFile(manual));
+            if (!urlOpener(QUrl::fromLocalFile(manual)))
+                m_host->critical(QStringLiteral("Cannot show the manual ") + QDir::toNativeSeparators(manual)
+                                 + QStringLiteral(": no program to open it was found."));
             return;
         }
     }
+    m_host->critical(QStringLiteral("The manual is missing: neither TRELK.chm nor docs/manual.html is beside the program."));
 }
 
 void frmMain::closeEvent(QCloseEvent* event)
@@ -797,9 +1052,11 @@ void frmMain::closeEvent(QCloseEvent* event)
         event->ignore();
         return;
     }
-    // Unsaved changes to a grammar with a file are saved without asking.
-    if (m_modified && !m_ws->grammar.Path().isEmpty())
-        FileSave();
+    // Changes not in the file are saved or given up as the user says; Cancel keeps the window open.
+    if (!MaybeSave()) {
+        event->ignore();
+        return;
+    }
     WriteSettingsAtClose();
     event->accept();
 }

@@ -8,6 +8,7 @@
 #include "session/AnalysisRun.h"
 #include "session/Workspace.h"
 #include "storage/PINI.h"
+#include "ui/GuiHost.h"
 
 #include <QMainWindow>
 #include <QPointer>
@@ -21,6 +22,7 @@ class GrammarEditor;
 class ListingView;
 class QLabel;
 class QMenu;
+class QPlainTextEdit;
 class QToolButton;
 class TableGrid;
 
@@ -55,11 +57,27 @@ public:
     /// Selects a view (0..11) and shows its kept results without running anything.
     void SelectView(int view);
     int SelectedView() const { return m_view; }
+    /// The editor's text differs from the grammar's file (or, for a new grammar, is not empty).
     bool Modified() const { return m_modified; }
     bool Processing() const { return processing; }
 
-    /// Opens URLs (the manual); tests replace it.
-    std::function<void(const QUrl&)> urlOpener;
+    /// Opens URLs (the manual); false when nothing could show it. Tests replace it.
+    std::function<bool(const QUrl&)> urlOpener;
+    /// Asks whether to save the changed grammar before its text is given up
+    /// (Close, New, Open, Back, a recent or dropped file, a transformation's
+    /// result). A message box; tests replace it.
+    std::function<SaveAnswer(const QString& question)> saveQuestion;
+
+    /// The question saveQuestion gets for the grammar as it stands:
+    /// "Save the changes to expr?" or, for a grammar without a file, "Save the new grammar?".
+    QString SaveQuestionText() const;
+    /// Before the editor's text is given up: true when it may go (nothing
+    /// changed, the user saved it, or chose Discard); false for Cancel or a save
+    /// that did not happen (Save As cancelled, a failed write), and then nothing changes.
+    bool MaybeSave();
+    /// A grammar file chosen from the recent list or dropped on the window:
+    /// opened after the save question.
+    bool OpenAfterAsking(const QString& path);
 
     // ---- AnalysisFrontend -----------------------------------------------------------
     QString GrammarText() override;
@@ -76,6 +94,8 @@ public:
     QLabel* sState = nullptr;
     QToolButton* recentButton = nullptr;
     QToolButton* itemsButton = nullptr;  ///< LR views: the item sets instead of the table listing
+    QLabel* verdictLabel = nullptr;      ///< above the output box: the verdict of an analysed method
+    QPlainTextEdit* cellPane = nullptr;  ///< below the grid: what the chosen cell means
 
     QMenu* mnuFile = nullptr;
     QAction* mnuFileNew = nullptr;
@@ -101,6 +121,7 @@ public:
     QAction* mnuClear = nullptr;
     QAction* mnuExport = nullptr;
     QAction* mnuStat = nullptr;
+    QAction* mnuOverview = nullptr;
     QAction* mnuSettings = nullptr;
     QAction* mnuHelp = nullptr;
     QAction* mnuAbout = nullptr;
@@ -116,6 +137,10 @@ public:
     void Clear();
     void Export();
     void Statistics();
+    /// The verdicts of the six methods, one line each (as trelk-cli summary
+    /// prints them), in a dialog; methods not analysed yet are run first, and
+    /// Stop ends those runs without the dialog.
+    void Overview();
     void Options();
     void Help();
     void About();
@@ -132,6 +157,11 @@ protected:
     void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
+    /// Grammar files dropped on the editor, the output box or the grid open as
+    /// they do on the window, instead of being typed into the editor.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    /// Quiet runs (the overview) do not build listings for the output box.
+    bool WantsOutput() const override { return !m_quietRuns; }
 
 private:
     class WindowHost;
@@ -148,6 +178,17 @@ private:
     /// of the run nor queued to run after it.
     void HoldCommands();
     void ReleaseCommands();
+    void BuildReadingAids(class QSplitter* output);
+    /// Resets the grammar and results for a new, empty grammar (no question asked).
+    void StartNewGrammar();
+    /// The verdict line and the status labels of the selected view: its kept
+    /// status texts when it has been analysed, the empty labels otherwise.
+    void ShowRunState();
+    void ClearStatusLabels();
+    void ShowCellDetails(const QModelIndex& index);
+    /// Records the editor's text as the one its file holds.
+    void MarkSaved();
+    void SetModified(bool modified);
 
     std::unique_ptr<WindowHost> m_host;
     std::unique_ptr<Workspace> m_ws;
@@ -155,6 +196,9 @@ private:
     int m_view = 0;
     bool m_modified = false;
     bool m_loading = false;  ///< the editor is being filled by the program, not edited
+    QString m_savedText;     ///< the editor's text when the grammar was last opened, saved or made new
+    bool m_stopAsked = false;  ///< Stop was chosen during the current run (ends the overview's runs)
+    bool m_quietRuns = false;
     QStringList m_recent;
     QMenu* m_recentMenu = nullptr;
     bool m_showing = false;                 ///< Analyse is showing its results: the commands stay held

@@ -11,12 +11,17 @@
 #include "ui/frmRename.h"
 #include "ui/frmReplace.h"
 #include "session/OpenSave.h"
+#include "session/TableCells.h"
+#include "session/Verdicts.h"
+#include "storage/Folders.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMimeData>
+#include <QRegularExpression>
 #include <QListWidget>
 #include <QMenuBar>
 #include <QMouseEvent>
@@ -33,16 +38,22 @@ const QString kExpr = Lines({"<E>", "<E>=<E>[+]<T>", "<E>=<T>", "<T>=<T>[*]<F>",
 
 QString Title(const char* name)
 {
-    return QStringLiteral("2016 KAVEN TRELK \u2014 ") + QString::fromUtf8(name);
+    return QStringLiteral("2016 KAVEN TRELK \u2014 ") + QString::fromUtf8(name) + QStringLiteral("[*]");
 }
 
 /// A shown main window holding text; the file dialog, when asked, answers path.
 struct Window {
     RecordingHost host;
     std::unique_ptr<frmMain> w;
+    QStringList saveQuestions;                  ///< every "save the changes?" asked
+    SaveAnswer saveAnswer = SaveAnswer::Cancel;  ///< and what the user answers
     explicit Window(const QString& text)
         : w(std::make_unique<frmMain>(&host, QString()))
     {
+        w->saveQuestion = [this](const QString& question) {
+            saveQuestions << question;
+            return saveAnswer;
+        };
         w->show();
         w->SetText1(text);
     }
@@ -158,6 +169,7 @@ TEST(MainWindow, ARunHoldsTheCommandsButStopAndDropsInputThatComesMeanwhile)
         }
     };
     const QString text = win.w->GrammarText();
+    const bool modified = win.w->Modified();
     win.Analyse(View::LR);
     win.host.stop = nullptr;
     QApplication::processEvents();
@@ -168,7 +180,7 @@ TEST(MainWindow, ARunHoldsTheCommandsButStopAndDropsInputThatComesMeanwhile)
     EXPECT_EQ(win.w->SelectedView(), View::LR);
     EXPECT_FALSE(win.ws().grammar.GetFlag(GrammarFlag::AnalysedLL));
     EXPECT_EQ(win.w->GrammarText(), text);
-    EXPECT_FALSE(win.w->Modified());
+    EXPECT_EQ(win.w->Modified(), modified);
     // Afterwards everything answers again, and the labels hold the run's last texts.
     EXPECT_TRUE(win.ws().grammar.GetFlag(GrammarFlag::AnalysedLR));
     EXPECT_FALSE(win.w->mnuStop->isEnabled());
@@ -177,7 +189,7 @@ TEST(MainWindow, ARunHoldsTheCommandsButStopAndDropsInputThatComesMeanwhile)
     EXPECT_FALSE(win.w->Text1->isReadOnly());
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
     EXPECT_EQ(win.w->sState->text(), win.ws().Status(StatusField::State));
-    EXPECT_EQ(win.w->sElapsed->text(), win.ws().Status(StatusField::Elapsed));
+    EXPECT_EQ(win.w->sElapsed->text(), QStringLiteral("Time: ") + win.ws().Status(StatusField::Elapsed) + QStringLiteral(" s"));
     EXPECT_NE(win.w->sState->text(), QString());
 }
 
@@ -241,9 +253,11 @@ TEST(MainWindow, FileCommandsOnAFolder)
     EXPECT_EQ(win.w->windowTitle(), Title("sum"));
     EXPECT_FALSE(win.w->Modified());
 
-    // Back gives up the edits.
+    // Back gives up the edits when the user says so.
     win.w->Text1->appendPlainText(QStringLiteral("<T>=[b]"));
+    win.saveAnswer = SaveAnswer::Discard;
     win.w->mnuFileBack->trigger();
+    EXPECT_EQ(win.saveQuestions, QStringList{QStringLiteral("Save the changes to sum?")});
     EXPECT_EQ(win.w->GrammarText(), kLL + QStringLiteral("\r\n"));
     EXPECT_FALSE(win.w->Modified());
 
@@ -324,10 +338,21 @@ TEST(MainWindow, HelpOpensTheManual)
 {
     Window win{QString()};
     QUrl opened;
-    win.w->urlOpener = [&](const QUrl& url) { opened = url; };
+    win.w->urlOpener = [&](const QUrl& url) {
+        opened = url;
+        return true;
+    };
     win.w->mnuHelp->trigger();
     EXPECT_TRUE(opened.toLocalFile().endsWith(QStringLiteral("manual.html")));
     EXPECT_TRUE(QFile::exists(opened.toLocalFile()));
+    EXPECT_TRUE(win.host.criticals.isEmpty());
+
+    // Nothing could show it: the user is told, not left waiting.
+    win.w->urlOpener = [](const QUrl&) { return false; };
+    win.w->mnuHelp->trigger();
+    EXPECT_EQ(win.host.criticals, QStringList{QStringLiteral("Cannot show the manual ")
+                                              + QDir::toNativeSeparators(opened.toLocalFile())
+                                              + QStringLiteral(": no program to open it was found.")});
 }
 
 TEST(MainWindow, SettingsAreReadAtStartAndWrittenAtClose)
@@ -368,6 +393,208 @@ TEST(MainWindow, SettingsAreReadAtStartAndWrittenAtClose)
     ASSERT_EQ(host.criticals.size(), 1);
     EXPECT_TRUE(host.criticals[0].contains(QStringLiteral("\"MaxCycle\" in section \"Main\" holds \"lots\"")));
     EXPECT_EQ(FileBytes(ini), QByteArray("[Main]\r\nMaxCycle=lots\r\n"));
+}
+
+TEST(MainWindow, ChangesAreAskedForBeforeTheyAreGivenUp)
+{
+    const QString dir = ScratchDir(QStringLiteral("ui-unsaved"));
+    const QString path = dir + QStringLiteral("/g.tkg");
+    Window win{QString()};
+    EXPECT_FALSE(win.w->isWindowModified());
+    win.w->Text1->insertPlainText(QString(kLL).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+    EXPECT_TRUE(win.w->isWindowModified());
+
+    // Cancel keeps the window, the text and the grammar; no file dialog is shown.
+    bool dialogShown = false;
+    KAVENDialog::SetScriptedAnswer([&](const KAVENDialog&) {
+        dialogShown = true;
+        return QString();
+    });
+    EXPECT_FALSE(win.w->close());
+    win.w->mnuFileNew->trigger();
+    win.w->mnuFileOpen->trigger();
+    EXPECT_TRUE(win.w->isVisible());
+    EXPECT_FALSE(dialogShown);
+    EXPECT_EQ(win.saveQuestions, QStringList(3, QStringLiteral("Save the new grammar?")));
+    EXPECT_EQ(win.w->GrammarText(), kLL);
+
+    // Save with Save As cancelled saves nothing and gives nothing up.
+    win.saveAnswer = SaveAnswer::Save;
+    win.w->mnuFileNew->trigger();
+    EXPECT_TRUE(dialogShown);
+    EXPECT_EQ(win.w->GrammarText(), kLL);
+    EXPECT_TRUE(win.w->Modified());
+    // Saved, then New goes ahead.
+    KAVENDialog::SetScriptedAnswer([&](const KAVENDialog&) { return path; });
+    win.w->mnuFileNew->trigger();
+    EXPECT_EQ(FileBytes(path), (kLL + QStringLiteral("\r\n")).toUtf8());
+    EXPECT_EQ(win.w->GrammarText(), QString());
+    EXPECT_EQ(win.w->windowTitle(), Title("[New]"));
+    EXPECT_FALSE(win.w->isWindowModified());
+
+    // Undoing an edit leaves nothing to ask about.
+    ASSERT_TRUE(win.w->TKGOpen(path));
+    win.saveQuestions.clear();
+    win.w->Text1->insertPlainText(QStringLiteral("<T>=[b]\n"));
+    EXPECT_TRUE(win.w->isWindowModified());
+    win.w->Text1->undo();
+    EXPECT_FALSE(win.w->isWindowModified());
+
+    // A recent file asks too; Discard reopens the file as it is.
+    win.w->Text1->insertPlainText(QStringLiteral("<T>=[b]\n"));
+    win.saveAnswer = SaveAnswer::Discard;
+    win.w->recentButton->menu()->actions().value(0)->trigger();
+    EXPECT_EQ(win.saveQuestions, QStringList{QStringLiteral("Save the changes to g?")});
+    EXPECT_EQ(win.w->GrammarText(), kLL + QStringLiteral("\r\n"));
+
+    // Close with Save writes the edits; the window closes.
+    win.w->Text1->moveCursor(QTextCursor::End);
+    win.w->Text1->insertPlainText(QStringLiteral("<T>=[b]"));
+    win.saveAnswer = SaveAnswer::Save;
+    EXPECT_TRUE(win.w->close());
+    EXPECT_TRUE(FileBytes(path).endsWith("<T>=[b]\r\n"));
+}
+
+TEST(MainWindow, DroppedGrammarFilesOpenWhereverTheyLand)
+{
+    const QString dir = ScratchDir(QStringLiteral("ui-drop"));
+    const QString other = dir + QStringLiteral("/other.tkg");
+    ASSERT_TRUE(WriteFileBytes(other, "<S>\r\n<S>=[b]\r\n"));
+    ASSERT_TRUE(WriteFileBytes(dir + QStringLiteral("/picture.png"), "PNG"));
+    Window win(kLL);
+    auto drop = [](QWidget* target, const QString& file) {
+        QMimeData mime;
+        mime.setUrls({QUrl::fromLocalFile(file)});
+        mime.setText(QUrl::fromLocalFile(file).toString());
+        QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(target, &enter);
+        QDropEvent dropped(QPointF(5, 5), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(target, &dropped);
+        QCoreApplication::processEvents();
+        return enter.isAccepted();
+    };
+    // Not a grammar: refused, and its address is not typed into the grammar.
+    EXPECT_FALSE(drop(win.w->Text1->viewport(), dir + QStringLiteral("/picture.png")));
+    EXPECT_EQ(win.w->GrammarText(), kLL);
+    // The editor holds changes: the question comes first, and Cancel keeps them.
+    EXPECT_TRUE(drop(win.w->Text1->viewport(), other));
+    EXPECT_EQ(win.saveQuestions, QStringList{QStringLiteral("Save the new grammar?")});
+    EXPECT_EQ(win.w->GrammarText(), kLL);
+
+    win.saveAnswer = SaveAnswer::Discard;
+    for (QWidget* target : {static_cast<QWidget*>(win.w->Text1->viewport()), static_cast<QWidget*>(win.w->Text2),
+                            static_cast<QWidget*>(win.w->Picture1->viewport()), static_cast<QWidget*>(win.w.get())}) {
+        win.w->SetText1(kLL);
+        EXPECT_TRUE(drop(target, other)) << target->objectName().toStdString();
+        EXPECT_EQ(win.w->GrammarText(), QStringLiteral("<S>\r\n<S>=[b]\r\n")) << target->objectName().toStdString();
+        EXPECT_EQ(win.w->windowTitle(), Title("other"));
+    }
+    EXPECT_EQ(win.saveQuestions.size(), 5);
+}
+
+TEST(MainWindow, TheViewsSayWhatTheTablesMean)
+{
+    Window win(Lines({"<E>", "<E>=<E>[+]<E>", "<E>=[a_long_operand_name]"}));
+    win.Analyse(0);
+    EXPECT_EQ(win.Output(), win.ws().grammar.CommentedRules());
+    EXPECT_FALSE(win.w->itemsButton->isEnabled());
+    EXPECT_EQ(win.w->verdictLabel->text(), QString());
+
+    win.Analyse(8);
+    EXPECT_TRUE(win.w->itemsButton->isEnabled());
+    EXPECT_EQ(win.w->verdictLabel->text(), QStringLiteral("LALR(1): the grammar is not LALR(1) \u2014 5 states, 1 conflict"));
+    EXPECT_TRUE(win.w->sElapsed->text().contains(QRegularExpression(QStringLiteral("^Time: \\d+,\\d{3} s$"))))
+        << win.w->sElapsed->text().toStdString();
+    EXPECT_EQ(win.ws().lalr.saved.elapsed + QStringLiteral(" s"), win.w->sElapsed->text().mid(6));
+
+    // The grid: whole names in the header tips, every action of a conflict, the rule of a reduce.
+    TableModel& model = win.w->Picture1->Model();
+    const Conflict conflict = win.ws().lalr.conflicts.at(0);
+    const QModelIndex cell = model.index(conflict.row, conflict.column);
+    EXPECT_EQ(model.data(cell, Qt::ToolTipRole).toString(),
+              QStringLiteral("Conflict in state %1 on [+]\nkept: s3\nrejected: r1 <E>=<E>[+]<E>").arg(conflict.row));
+    EXPECT_EQ(model.data(model.index(conflict.row, 0), Qt::ToolTipRole).toString(), QStringLiteral("r1 <E>=<E>[+]<E>"));
+    EXPECT_EQ(model.headerData(2, Qt::Horizontal, Qt::ToolTipRole).toString(), QStringLiteral("[a_long_operand_name]"));
+    EXPECT_EQ(model.headerData(3, Qt::Vertical, Qt::ToolTipRole).toString(), QStringLiteral("State 3 ([+])"));
+    // Choosing a cell shows its state's items and what the cell does.
+    win.w->Picture1->setCurrentIndex(cell);
+    EXPECT_EQ(win.w->cellPane->toPlainText(), CellDetails(win.ws(), 8, conflict.row, conflict.column));
+    EXPECT_TRUE(win.w->cellPane->toPlainText().contains(QStringLiteral("On [+]: s3 (shift and go to state 3)")));
+
+    // A view not analysed has neither a verdict nor status texts; the analysed one gets them back.
+    const QString elapsed = win.w->sElapsed->text();
+    win.w->SelectView(9);
+    EXPECT_EQ(win.w->verdictLabel->text(), QString());
+    EXPECT_EQ(win.w->cellPane->toPlainText(), QString());
+    EXPECT_EQ((QStringList{win.w->sState->text(), win.w->sPass->text(), win.w->sElapsed->text()}),
+              (QStringList{QStringLiteral("State:"), QStringLiteral("Pass:"), QStringLiteral("Time")}));
+    win.w->SelectView(8);
+    EXPECT_EQ(win.w->sElapsed->text(), elapsed);
+    win.w->mnuClear->trigger();
+    EXPECT_EQ(win.w->sElapsed->text(), QStringLiteral("Time"));
+    EXPECT_EQ(win.w->verdictLabel->text(), QString());
+}
+
+TEST(MainWindow, OverviewRunsTheSixMethodsAndAnswersStop)
+{
+    Window win(kExpr);
+    win.w->SelectView(2);
+    QString shown;
+    WhenShown<QDialog>([&](QDialog* dialog) {
+        shown = dialog->findChild<QPlainTextEdit*>(QStringLiteral("overviewText"))->toPlainText();
+        dialog->reject();
+    });
+    win.w->mnuOverview->trigger();
+    const QStringList lines = shown.split(QLatin1Char('\n'));
+    ASSERT_EQ(lines.size(), 6) << shown.toStdString();
+    EXPECT_TRUE(lines[2].startsWith(QStringLiteral("LALR(1)             LALR(1)                     12 states       0 conflicts")));
+    for (int v = View::LL; v <= View::OPR; ++v)
+        EXPECT_TRUE(Judge(win.ws(), v).HasVerdict()) << v;  // LL(1) refuses the left recursion
+    EXPECT_TRUE(win.Output().startsWith(QStringLiteral("FIRST(")));  // the selected view stays in sight
+
+    // Stop during the runs ends them; no overview follows.
+    Window big(ReadGrammarText(CorpusDir() + QStringLiteral("/scaling/stmts_n300.tkg")));
+    big.Analyse(0);
+    big.host.yields = 0;
+    big.host.stopAfter = 2;
+    big.host.stop = [&] { big.w->mnuStop->trigger(); };
+    bool dialogShown = false;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+        if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+            dialogShown = true;
+            dialog->reject();
+        }
+    });
+    watch.start(5);
+    big.w->mnuOverview->trigger();
+    watch.stop();
+    EXPECT_FALSE(dialogShown);
+    EXPECT_FALSE(big.ws().grammar.GetFlag(GrammarFlag::AnalysedOPR));
+    EXPECT_FALSE(big.w->Processing());
+    EXPECT_FALSE(big.w->mnuStop->isEnabled());
+}
+
+TEST(MainWindow, SaveAsStartsBesideTheGrammar)
+{
+    const QString dir = ScratchDir(QStringLiteral("ui-save-as"));
+    Window win(kLL);
+    win.ws().settings.saveDir = QDir::tempPath();
+    QString started;
+    KAVENDialog::SetScriptedAnswer([&](const KAVENDialog& d) {
+        started = d.InitDir;
+        return QString();
+    });
+    win.w->mnuFileSaveAs->trigger();
+    EXPECT_EQ(started, NormaliseFolder(QDir::tempPath()));  // a new grammar: the last folder saved to
+    win.SaveAs(dir + QStringLiteral("/g.tkg"));
+    win.ws().settings.saveDir = QDir::tempPath();
+    KAVENDialog::SetScriptedAnswer([&](const KAVENDialog& d) {
+        started = d.InitDir;
+        return QString();
+    });
+    win.w->mnuFileSaveAs->trigger();
+    EXPECT_EQ(started, NormaliseFolder(dir));
 }
 
 } // namespace
