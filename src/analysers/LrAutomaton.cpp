@@ -56,6 +56,10 @@ bool PassFrame::Run(const std::function<void(int)>& expand, const std::function<
             // passed gives the same answer without building thousands of states more.
             if (count() - 1 > kMaxDfaState)
                 return overflow();
+            // One pass of a large automaton takes seconds: Stop is heard within it.
+            m_model.host().yield();
+            if (!m_analyser.InProcess())
+                return false;
         }
         const int newLast = count() - 1;
         if (newLast == previousLast)

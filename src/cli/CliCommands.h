@@ -15,6 +15,7 @@ constexpr int kExitSettings = 1; ///< a numeric setting that holds no number
 constexpr int kExitUsage = 2;
 constexpr int kExitFile = 3;
 constexpr int kExitRequire = 4;  ///< summary --require METHOD: the grammar fails METHOD
+constexpr int kExitStopped = 130; ///< stopped by Ctrl-C, as shells report an interrupt
 
 /// Global options, given before the command.
 struct CliOptions {
@@ -25,6 +26,11 @@ struct CliOptions {
 /// into the workspace; never writes them. Returns kExitOk, or reports on stderr
 /// and returns kExitSettings or (a named file that is missing) kExitFile.
 int LoadSettings(Workspace& workspace, const CliOptions& options);
+
+/// True when path names a regular file; otherwise says on stderr what it is
+/// instead (missing, a folder, a device ...), what being "grammar file" or
+/// "settings file".
+bool IsReadableFile(const QString& path, const QString& what);
 
 /// Reads GRAMMAR as File Open does and puts it into the workspace (text, path
 /// and the kept state of its companion .tkc). Returns kExitOk, or reports on
@@ -41,6 +47,18 @@ int ParseGrammar(Workspace& workspace, const QString& path, const QString& text)
 /// Reads GRAMMAR and runs Analyse on view as the window does; output is what the
 /// output box then shows. Returns an exit status.
 int RunView(Workspace& workspace, const QString& path, int view, QString& output, bool wantsOutput = true);
+
+/// What Analyse on analyser view (6-11) left: a table, a refusal of the grammar
+/// (left recursion, empty rules, ...: a verdict, with its text in the view), or
+/// neither: a limit ("DFA States Overflow.", "Cycles Overflow.") stopped the
+/// run after showing its message.
+enum class TableOutcome { Built, Refused, Limited };
+TableOutcome OutcomeOf(const Workspace& workspace, int view);
+
+/// For commands that need the table (table, export): kExitOk when it was built;
+/// otherwise kExitGrammar, with the refusal's verdict, as the view shows it,
+/// put on stderr (a limit has shown its message already).
+int RequireTable(Workspace& workspace, int view);
 
 // The commands; args holds what follows the command name (GRAMMAR first).
 int CmdCheck(Workspace& workspace, const CliOptions& options, const QStringList& args);

@@ -7,13 +7,25 @@
 
 #include <QFileInfo>
 
+bool IsReadableFile(const QString& path, const QString& what)
+{
+    const QFileInfo info(path);
+    if (info.isFile())
+        return true;
+    if (info.isDir())
+        WriteErr(QStringLiteral("trelk-cli: ") + path + QStringLiteral(" is a folder, not a ") + what);
+    else if (info.exists())
+        WriteErr(QStringLiteral("trelk-cli: ") + path + QStringLiteral(" is not a regular file"));
+    else
+        WriteErr(QStringLiteral("trelk-cli: ") + path + QStringLiteral(": no such file"));
+    return false;
+}
+
 int LoadGrammar(Workspace& workspace, const QString& path, QString& text)
 {
     QString error;
-    if (!QFileInfo(path).isFile()) {
-        WriteErr(QStringLiteral("trelk-cli: ") + path + QStringLiteral(": no such file"));
+    if (!IsReadableFile(path, QStringLiteral("grammar file")))
         return kExitFile;
-    }
     // As File Open: the text, the grammar's path and the kept state of its
     // companion .tkc, whose failures the host puts on stderr.
     if (!TKGOpen(workspace, path, text, error)) {
@@ -42,6 +54,8 @@ int CmdCheck(Workspace& workspace, const CliOptions&, const QStringList& args)
         return status;
     if (int status = ParseGrammar(workspace, path, text))
         return status;
+    if (!Interrupt::BeginResult(Interrupt::Result::Text))
+        return kExitStopped;
     const Grammar& g = workspace.grammar;
     WriteOut(QStringLiteral("OK: %1 terminals, %2 non-terminals, %3 rules\n")
                  .arg(g.terminalCount)

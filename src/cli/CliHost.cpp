@@ -2,16 +2,22 @@
 /// The batch front end's host.
 #include "cli/CliHost.h"
 
+#include <atomic>
 #include <csignal>
 #include <cstdio>
 
 namespace {
 
-volatile std::sig_atomic_t g_interrupted = 0;
+/// Where the run stands for Ctrl-C. One atomic word, changed only by
+/// compare-and-swap, so that the handler and BeginResult cannot both win.
+enum RunState : int { Running, Interrupted, WritingResult };
+std::atomic<int> g_state{Running};
+static_assert(std::atomic<int>::is_always_lock_free, "the signal handler needs a lock-free atomic");
 
 void OnInterrupt(int)
 {
-    g_interrupted = 1;
+    int expected = Running;
+    g_state.compare_exchange_strong(expected, Interrupted);
 }
 
 /// UTF-8 with every CR LF turned into LF, in one pass (texts run to megabytes).
@@ -71,7 +77,26 @@ bool CliHost::okCancel(const QString& text)
 
 void CliHost::yield()
 {
-    if (g_interrupted && m_stop) {
+    if (g_state.load() == Interrupted && m_stop)
         m_stop();
-    }
+}
+
+bool Interrupt::Stopped()
+{
+    return g_state.load() == Interrupted;
+}
+
+bool Interrupt::BeginResult(Result result)
+{
+    // From here Ctrl-C ends a printing program at once; one that came before
+    // has been seen by the handler and is answered below.
+    if (result == Result::Text)
+        std::signal(SIGINT, SIG_DFL);
+    int expected = Running;
+    return g_state.compare_exchange_strong(expected, WritingResult) || expected == WritingResult;
+}
+
+void Interrupt::ResultWritten()
+{
+    g_state.store(WritingResult);
 }

@@ -6,7 +6,6 @@
 #include "storage/Folders.h"
 #include "storage/SettingsFile.h"
 
-#include <QFileInfo>
 
 int LoadSettings(Workspace& workspace, const CliOptions& options)
 {
@@ -16,10 +15,8 @@ int LoadSettings(Workspace& workspace, const CliOptions& options)
     } else {
         // The workbench creates a missing settings file at close; the CLI never
         // writes one, so a named file that is missing can only be a mistake.
-        if (!QFileInfo(options.iniFile).isFile()) {
-            WriteErr(QStringLiteral("trelk-cli: ") + options.iniFile + QStringLiteral(": no such file"));
+        if (!IsReadableFile(options.iniFile, QStringLiteral("settings file")))
             return kExitFile;
-        }
         ini.SetFile(options.iniFile);
     }
     // "Left" and "Top" are read too, so that a file the workbench would refuse

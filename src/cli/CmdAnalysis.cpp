@@ -60,6 +60,28 @@ int RunView(Workspace& workspace, const QString& path, int view, QString& output
     return CheckParsed(workspace, path, text);
 }
 
+TableOutcome OutcomeOf(const Workspace& workspace, int view)
+{
+    if (workspace.current && workspace.grammar.GetFlag(view))
+        return TableOutcome::Built;
+    return Judge(workspace, view).refusal != Refusal::None ? TableOutcome::Refused : TableOutcome::Limited;
+}
+
+int RequireTable(Workspace& workspace, int view)
+{
+    switch (OutcomeOf(workspace, view)) {
+    case TableOutcome::Built:
+        return kExitOk;
+    case TableOutcome::Refused:
+        if (workspace.current)
+            WriteErr(workspace.current->ExportDisplay());
+        return kExitGrammar;
+    case TableOutcome::Limited:
+        break;
+    }
+    return kExitGrammar;
+}
+
 int CmdTable(Workspace& workspace, const CliOptions&, const QStringList& args)
 {
     const int view = ParseView(args[1]);
@@ -71,9 +93,12 @@ int CmdTable(Workspace& workspace, const CliOptions&, const QStringList& args)
     QString output;
     if (int status = RunView(workspace, args[0], view, output, false))
         return status;
-    // A run that a limit stopped has no table (its message is on stderr).
-    if (!workspace.current || !workspace.grammar.GetFlag(view))
-        return kExitGrammar;
+    if (Interrupt::Stopped())
+        return kExitStopped;
+    if (int status = RequireTable(workspace, view))
+        return status;
+    if (!Interrupt::BeginResult(Interrupt::Result::Text))
+        return kExitStopped;
     std::fflush(stdout);
     StreamSink out(stdout, true);
     workspace.current->WriteTable(out);
@@ -91,12 +116,25 @@ int CmdExport(Workspace& workspace, const CliOptions&, const QStringList& args)
     QString output;
     if (int status = RunView(workspace, args[0], view, output, false))
         return status;
+    if (Interrupt::Stopped())
+        return kExitStopped;
+    if (ViewOf(view).IsAnalyser())
+        if (int status = RequireTable(workspace, view))
+            return status;
+    if (!Interrupt::BeginResult(Interrupt::Result::File))
+        return kExitStopped;
     CliFrontend frontend(QString(), false);
-    const QString written = ExportView(workspace, frontend, view);
-    if (written.isEmpty())
-        return kExitGrammar;  // the reason is on stderr
-    WriteOut(written + QLatin1Char('\n'));
-    return kExitOk;
+    const ExportResult result = ExportViewFile(workspace, frontend, view);
+    switch (result.status) {
+    case ExportResult::Written:
+        WriteOut(result.path + QLatin1Char('\n'));
+        return kExitOk;
+    case ExportResult::WriteFailed:
+        return kExitFile;  // the reason is on stderr
+    case ExportResult::NotReady:
+        break;
+    }
+    return kExitGrammar;  // the reason is on stderr
 }
 
 namespace {
@@ -213,12 +251,16 @@ int CmdSummary(Workspace& workspace, const CliOptions&, const QStringList& args)
         timer.start();
         Analyse(workspace, frontend, info.number);
         const qint64 ms = timer.elapsed();
+        if (Interrupt::Stopped())
+            return kExitStopped;
         const MethodVerdict verdict = Judge(workspace, info.number);
         if (info.number == options.required && !(verdict.analysed && verdict.passes))
             requiredPasses = false;
         methods.append(SummaryJson(verdict, ms));
         lines += SummaryLine(verdict, ms);
     }
+    if (!Interrupt::BeginResult(Interrupt::Result::Text))
+        return kExitStopped;
     if (options.json) {
         QJsonObject root;
         root[QStringLiteral("grammar")] = args[0];

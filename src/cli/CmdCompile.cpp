@@ -40,6 +40,8 @@ int CmdCompile(Workspace& workspace, const CliOptions&, const QStringList& args)
     CompileFrontend frontend(text);
     for (int view = View::Grammar; view < View::Count; ++view) {
         Analyse(workspace, frontend, view);
+        if (Interrupt::Stopped())
+            return kExitStopped;  // neither the companion nor the text is written
         // A grammar that does not parse has had its message shown; nothing is written.
         if (!workspace.grammar.Parsed()) {
             if (Grammar::IsBlankText(text))
@@ -48,6 +50,8 @@ int CmdCompile(Workspace& workspace, const CliOptions&, const QStringList& args)
         }
     }
     const QString grammarPath = workspace.grammar.Path();
+    if (!Interrupt::BeginResult(Interrupt::Result::File))
+        return kExitStopped;
     if (!GrammarSaveAs(workspace, grammarPath, text))
         return kExitFile;  // the error report is on stderr
     WriteOut(CompanionPath(grammarPath) + QLatin1Char('\n'));

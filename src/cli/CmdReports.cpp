@@ -5,12 +5,11 @@
 #include "cli/CliCommands.h"
 #include "cli/CliHost.h"
 
+#include "session/Views.h"
+
 #include <iterator>
 
 namespace {
-
-/// The exit status of a run stopped by Ctrl-C, as shells report an interrupt.
-constexpr int kExitStopped = 130;
 
 /// Loads and parses the grammar, then computes the three follow sets as the
 /// Analyse command does before it shows a report. Returns an exit status.
@@ -118,29 +117,41 @@ int CmdView(Workspace& workspace, const CliOptions&, const QStringList& args)
     // What the output box shows after Analyse on the view (view 0 only readies
     // the grammar and leaves it empty).
     QString text;
-    if (int status = RunView(workspace, args[0], view, text))
+    const int status = RunView(workspace, args[0], view, text);
+    if (status != kExitOk || !Interrupt::BeginResult(Interrupt::Result::Text))
         return status;
     if (!text.isEmpty() && !text.endsWith(QLatin1Char('\n')))
         text += QLatin1Char('\n');
     WriteOut(text);
-    return kExitOk;
+    // An analyser that a limit stopped has shown its message and has no table.
+    // A refusal is a verdict like any other; a run that a limit stopped has no result.
+    const bool limited = ViewOf(view).IsAnalyser() && OutcomeOf(workspace, view) == TableOutcome::Limited;
+    return limited ? kExitGrammar : kExitOk;
 }
 
 int CmdSets(Workspace& workspace, const CliOptions&, const QStringList& args)
 {
+    // "sets GRAMMAR --json"; the option may come first.
     const qsizetype json = args.indexOf(QStringLiteral("--json"));
     if (json < 0) {
-        WriteErr(QStringLiteral("trelk-cli: sets: only --json output is available"));
+        if (args.size() == 1) {
+            WriteErr(QStringLiteral("trelk-cli: sets needs --json (the sets are printed as JSON only)"));
+        } else {
+            const QString other = args[0].startsWith(QStringLiteral("--")) ? args[0] : args[1];
+            WriteErr(QStringLiteral("trelk-cli: sets takes --json only, not ") + other);
+        }
+        return kExitUsage;
+    }
+    if (args.size() == 1) {
+        WriteErr(QStringLiteral("trelk-cli: sets needs a grammar file"));
         return kExitUsage;
     }
     const QString path = args[json == 0 ? 1 : 0];
     if (int status = ReadyGrammar(workspace, path))
         return status;
-    const Grammar& g = workspace.grammar;
-    if (!g.GetFlag(GrammarFlag::FollowRDone) || !g.GetFlag(GrammarFlag::FollowLDone)) {
-        WriteErr(QStringLiteral("trelk-cli: stopped"));
+    // The follow sets are complete unless Ctrl-C stopped them.
+    if (!Interrupt::BeginResult(Interrupt::Result::Text))
         return kExitStopped;
-    }
-    WriteOut(SetsJson(g));
+    WriteOut(SetsJson(workspace.grammar));
     return kExitOk;
 }

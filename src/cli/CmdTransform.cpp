@@ -25,6 +25,14 @@ int CmdTransform(Workspace& workspace, const CliOptions&, const QStringList& arg
         return kExitOk;  // one non-terminal: grouping has nothing to do and writes nothing
     QString newText;
     const QString written = RunTransformation(workspace, code, text, newText);
+    if (Interrupt::Stopped()) {
+        // A stopped transformation returns no lines. With lines, it had passed
+        // its last stop point before the Ctrl-C: its result is whole, and the
+        // frame has written it, so the command has done its work.
+        if (newText.isEmpty())
+            return kExitStopped;
+        Interrupt::ResultWritten();
+    }
     if (written.isEmpty())
         return kExitFile;  // the write failure is on stderr
     WriteOut(written + QLatin1Char('\n'));

@@ -77,7 +77,7 @@ int main(int argc, char** argv)
     static const Command commands[] = {
         {"check", 1, 1, CmdCheck},
         {"view", 2, 2, CmdView},
-        {"sets", 2, 2, CmdSets},
+        {"sets", 1, 2, CmdSets},
         {"table", 2, 2, CmdTable},
         {"export", 2, 2, CmdExport},
         {"summary", 1, 4, CmdSummary},
@@ -89,7 +89,14 @@ int main(int argc, char** argv)
             continue;
         if (args.size() < c.least || args.size() > c.most)
             return Usage(command + QStringLiteral(": wrong number of arguments"));
-        return c.run(workspace, options, args);
+        const int status = c.run(workspace, options, args);
+        // Whatever the command made of its stopped computation, the run was
+        // interrupted: it wrote nothing, and says so.
+        if (Interrupt::Stopped()) {
+            WriteErr(QStringLiteral("trelk-cli: ") + command + QStringLiteral(" stopped by the user (interrupt)."));
+            return kExitStopped;
+        }
+        return status;
     }
     return Usage(QStringLiteral("unknown command ") + command);
 }

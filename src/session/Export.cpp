@@ -4,7 +4,6 @@
 
 #include "storage/GrammarFile.h"
 
-#include <QSaveFile>
 
 QString ExportSuffix(int view)
 {
@@ -18,55 +17,58 @@ QString ExportBaseName(const QString& grammarPath)
     return dot < 0 ? grammarPath : grammarPath.left(dot);
 }
 
-QString ExportView(Workspace& workspace, AnalysisFrontend& frontend, int view)
+ExportResult ExportViewFile(Workspace& workspace, AnalysisFrontend& frontend, int view)
 {
     Grammar& g = workspace.grammar;
     Host& host = workspace.host();
+    ExportResult result;
     if (g.Path().isEmpty()) {
         host.information(QStringLiteral("Save this grammar first."));
-        return QString();
+        return result;
     }
     const QString base = ExportBaseName(g.Path());
     const ViewInfo* info = FindView(view);
     if (!info)
-        return QString();
+        return result;
     if (!info->IsAnalyser() && !g.GetFlag(GrammarFlag::Parsed)) {
         host.information(QStringLiteral("Analyze grammar first."));
-        return QString();
+        return result;
     }
     if (info->IsAnalyser() && !IsAnalysed(workspace, view)) {
         host.information(QStringLiteral("This method is not analysed yet."));
-        return QString();
+        return result;
     }
 
     ProcessStart(workspace, frontend);
-    const QString file = base + QString::fromLatin1(info->exportSuffix);
+    result.path = base + QString::fromLatin1(info->exportSuffix);
     QString error;
     bool written = false;
     if (info->IsAnalyser()) {
         // A new analyser object draws on the kept results: no analysis runs. Its
         // tables are streamed into the file, then the text writer's final CR LF.
         workspace.current = MakeAnalyser(workspace, view);
-        QSaveFile out(file);
-        if (out.open(QIODevice::WriteOnly)) {
-            DeviceSink sink(out);
-            if (workspace.current)
-                workspace.current->WriteTable(sink);
-            sink.Write(QByteArrayLiteral("\r\n"));
-            sink.Flush();
-            // QSaveFile can commit a cut file when its own buffer fails to flush: flush first.
-            written = sink.Ok() && out.flush() && out.commit();
-        }
-        if (!written)
-            error = QStringLiteral("cannot write ") + file + QStringLiteral(": ") + out.errorString();
+        IAnazer* analyser = workspace.current.get();
+        written = WriteStreamedFile(result.path, [analyser](TextSink& out) {
+            if (analyser)
+                analyser->WriteTable(out);
+            out.Write(QByteArrayLiteral("\r\n"));
+        }, error);
     } else {
-        written = WriteTextFile(file, info->exportedReport(g), error);
+        written = WriteTextFile(result.path, info->exportedReport(g), error);
     }
     ProcessStop(workspace, frontend);
     if (!written) {
         host.critical(error);
-        return QString();
+        result.status = ExportResult::WriteFailed;
+        return result;
     }
-    host.information(QStringLiteral("Files saved:\r\n") + file + QStringLiteral(".\r\n"));
-    return file;
+    host.information(QStringLiteral("Files saved:\r\n") + result.path + QStringLiteral(".\r\n"));
+    result.status = ExportResult::Written;
+    return result;
+}
+
+QString ExportView(Workspace& workspace, AnalysisFrontend& frontend, int view)
+{
+    const ExportResult result = ExportViewFile(workspace, frontend, view);
+    return result.status == ExportResult::Written ? result.path : QString();
 }

@@ -3,12 +3,19 @@
 /// its compiled companion.
 #include "storage/GrammarFile.h"
 
+#include "model/TextSink.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QStringDecoder>
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
 
 namespace {
 
@@ -88,16 +95,99 @@ bool ReadGrammarFile(const QString& path, QString& text, QString& error)
     return true;
 }
 
+QString WriteErrorText(const QString& path, const QString& reason)
+{
+    return QStringLiteral("Cannot write ") + path + QStringLiteral(": ") + reason;
+}
+
+namespace {
+
+/// Writes into an unbuffered QSaveFile through a buffer of its own. The device
+/// reports a write it could take only in part as a short count without a
+/// reason; the rest is written again, so that a failure comes with the
+/// system's reason ("File too large", "No space left on device").
+class SaveFileSink final : public TextSink {
+public:
+    explicit SaveFileSink(QSaveFile& file)
+        : m_file(file)
+    {
+    }
+    void Write(const char* data, std::size_t size) override
+    {
+        if (!m_ok)
+            return;
+        m_buffer.append(data, static_cast<qsizetype>(size));
+        if (m_buffer.size() >= (1 << 16))
+            Flush();
+    }
+    using TextSink::Write;
+    /// Writes what is buffered; false once a write has failed.
+    bool Flush()
+    {
+        const char* data = m_buffer.constData();
+        qint64 left = m_buffer.size();
+        while (m_ok && left > 0) {
+            const qint64 written = m_file.write(data, left);
+            if (written <= 0) {
+                m_ok = false;
+                m_reason = m_file.errorString();
+            }
+            data += std::max<qint64>(written, 0);
+            left -= std::max<qint64>(written, 0);
+        }
+        m_buffer.clear();
+        return m_ok;
+    }
+    QString Reason() const { return m_reason; }
+
+private:
+    QSaveFile& m_file;
+    QByteArray m_buffer;
+    bool m_ok = true;
+    QString m_reason;
+};
+
+} // namespace
+
+bool WriteStreamedFile(const QString& path, const std::function<void(TextSink&)>& fill, QString& error)
+{
+    // QSaveFile would rename its new file over a device or a pipe of that name.
+    const QFileInfo target(path);
+    if (target.exists() && !target.isFile() && !target.isDir()) {
+        error = WriteErrorText(path, QStringLiteral("not a regular file"));
+        return false;
+    }
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
+        error = WriteErrorText(path, file.errorString());
+        return false;
+    }
+    SaveFileSink sink(file);
+    fill(sink);
+    if (!sink.Flush()) {
+        error = WriteErrorText(path, sink.Reason());
+        return false;  // the QSaveFile removes its temporary file: the old file stays
+    }
+#ifdef Q_OS_UNIX
+    // commit() syncs the file too, but does not look at the result; a file that
+    // did not reach the disk (an I/O error, a full network share) must not
+    // replace the old one. A file system that cannot sync has nothing to lose.
+    if (::fdatasync(file.handle()) != 0 && errno != EINVAL && errno != EROFS) {
+        error = WriteErrorText(path, QString::fromLocal8Bit(std::strerror(errno)));
+        file.cancelWriting();
+        return false;
+    }
+#endif
+    if (!file.commit()) {
+        error = WriteErrorText(path, file.errorString());
+        return false;
+    }
+    return true;
+}
+
 bool WriteWholeFile(const QString& path, const QByteArray& bytes, QString& error)
 {
-    QSaveFile file(path);
-    // QSaveFile commits even when the buffered bytes failed to reach the disk
-    // as it closed (a full disk, a file size limit): the explicit flush catches that.
-    const bool written = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush()
-                      && file.commit();
-    if (!written)
-        error = QStringLiteral("cannot write ") + path + QStringLiteral(": ") + file.errorString();
-    return written;
+    return WriteStreamedFile(path, [&bytes](TextSink& out) { out.Write(bytes); }, error);
 }
 
 bool WriteTextFile(const QString& path, const QString& text, QString& error)

@@ -1,13 +1,16 @@
 /// \file
 /// Grammar text files: reading (blank lines dropped, lines joined with CR LF,
-/// UTF-8 with a Windows-1251 fallback), the text encoding helpers, the names of
-/// a grammar and of its compiled companion and the names of a grammar and of
+/// UTF-8 with a Windows-1251 fallback), the text encoding helpers, the writers
+/// every saved or exported file goes through, and the names of a grammar and of
 /// its compiled companion.
 #pragma once
 
 #include <QByteArray>
 #include <QString>
+#include <functional>
 #include <optional>
+
+class TextSink;
 
 /// Decodes file bytes: UTF-8 (a leading byte-order mark is dropped) when they
 /// are valid UTF-8, otherwise Windows-1251, as older Windows files are.
@@ -21,8 +24,17 @@ QString JoinGrammarLines(const QString& decoded);
 /// describes the failure in error.
 bool ReadGrammarFile(const QString& path, QString& text, QString& error);
 
-/// Writes bytes through QSaveFile: the old file is replaced only once every
-/// byte has reached the new one. On failure returns false with error set.
+/// The message of a failed write: "Cannot write PATH: REASON", the reason as
+/// the system gives it ("Permission denied", "No space left on device").
+QString WriteErrorText(const QString& path, const QString& reason);
+
+/// Writes a file through QSaveFile, fill supplying its bytes: the old file is
+/// replaced only once every byte has reached the disk (written, flushed and
+/// synced). On failure the old file stays as it was and false is returned with
+/// error set to WriteErrorText.
+bool WriteStreamedFile(const QString& path, const std::function<void(TextSink&)>& fill, QString& error);
+
+/// WriteStreamedFile of the bytes.
 bool WriteWholeFile(const QString& path, const QByteArray& bytes, QString& error);
 
 /// The text writer: writes text followed by one CR LF, UTF-8 without a byte-order

@@ -1,9 +1,16 @@
-// Reading grammar text files: line ends, blank lines, and the encodings.
+// Reading grammar text files: line ends, blank lines, and the encodings;
+// the writers' refusals and their messages.
 #include "storage/GrammarFile.h"
 #include "support/TestPaths.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <gtest/gtest.h>
+
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/stat.h>
 
 namespace {
 
@@ -38,6 +45,45 @@ TEST(GrammarFile, ReadReportsMissingFiles)
     ASSERT_TRUE(WriteFileBytes(dir + QStringLiteral("/g.tkg"), "<S>\n\n<S>=[\xE0]\n"));
     ASSERT_TRUE(ReadGrammarFile(dir + QStringLiteral("/g.tkg"), text, error));
     EXPECT_EQ(text, QStringLiteral("<S>\r\n<S>=[а]\r\n"));
+}
+
+// The tests run as root, whom permissions do not stop: the failures come from
+// paths no one can write and from a file size limit.
+TEST(GrammarFile, AFailedWriteNamesTheFileAndTheReasonAndKeepsTheOldFile)
+{
+    const QString dir = ScratchDir(QStringLiteral("grammar-file-write"));
+    QString error;
+
+    const QString underFile = dir + QStringLiteral("/g.tkg/g-LR.tkg");
+    ASSERT_TRUE(WriteFileBytes(dir + QStringLiteral("/g.tkg"), "<S>\r\n"));
+    EXPECT_FALSE(WriteTextFile(underFile, QStringLiteral("<S>"), error));
+    EXPECT_EQ(error, QStringLiteral("Cannot write ") + underFile + QStringLiteral(": Not a directory"));
+
+    // A pipe bearing the name would be renamed over, not written to.
+    const QString pipe = dir + QStringLiteral("/pipe.txt");
+    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0644), 0);
+    EXPECT_FALSE(WriteWholeFile(pipe, "text", error));
+    EXPECT_EQ(error, QStringLiteral("Cannot write ") + pipe + QStringLiteral(": not a regular file"));
+    EXPECT_FALSE(QFileInfo(pipe).isFile());
+
+    // A file that grows past the size limit: the write stops part way, and the
+    // reason is the system's, not a short count's "Unknown error".
+    const QString old = dir + QStringLiteral("/old.txt");
+    ASSERT_TRUE(WriteFileBytes(old, "old text"));
+    rlimit saved{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &saved), 0);
+    rlimit small = saved;
+    small.rlim_cur = 100000;
+    const auto previous = std::signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+    const bool written = WriteWholeFile(old, QByteArray(300000, 'x'), error);
+    ::setrlimit(RLIMIT_FSIZE, &saved);
+    std::signal(SIGXFSZ, previous);
+    EXPECT_FALSE(written);
+    EXPECT_EQ(error, QStringLiteral("Cannot write ") + old + QStringLiteral(": File too large"));
+    EXPECT_EQ(FileBytes(old), QByteArray("old text"));
+    EXPECT_EQ(QDir(dir).entryList(QDir::Files | QDir::Hidden | QDir::System),
+              (QStringList{QStringLiteral("g.tkg"), QStringLiteral("old.txt"), QStringLiteral("pipe.txt")}));
 }
 
 } // namespace
