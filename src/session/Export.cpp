@@ -5,6 +5,7 @@
 #include "storage/GrammarFile.h"
 
 #include <QSaveFile>
+#include <new>
 
 QString ExportSuffix(int view)
 {
@@ -43,6 +44,9 @@ QString ExportView(Workspace& workspace, AnalysisFrontend& frontend, int view)
     const QString file = base + QString::fromLatin1(info->exportSuffix);
     QString error;
     bool written = false;
+    // The text of a large table is built in memory: a system that cannot give
+    // it ends the export with a message, and the unfinished file is dropped.
+    try {
     if (info->IsAnalyser()) {
         // A new analyser object draws on the kept results: no analysis runs. Its
         // tables are streamed into the file, then the text writer's final CR LF.
@@ -61,6 +65,10 @@ QString ExportView(Workspace& workspace, AnalysisFrontend& frontend, int view)
             error = QStringLiteral("cannot write ") + file + QStringLiteral(": ") + out.errorString();
     } else {
         written = WriteTextFile(file, info->exportedReport(g), error);
+    }
+    } catch (const std::bad_alloc&) {
+        written = false;
+        error = kOutOfMemoryText;
     }
     ProcessStop(workspace, frontend);
     if (!written) {
