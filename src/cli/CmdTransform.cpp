@@ -26,7 +26,7 @@ int CmdTransform(Workspace& workspace, const CliOptions&, const QStringList& arg
     QString newText;
     const QString written = RunTransformation(workspace, code, text, newText);
     if (written.isEmpty())
-        return kExitFile;  // the write failure is on stderr
+        return newText.isEmpty() ? kExitGrammar : kExitFile;  // no result (refused, stopped, nothing to change), or the write failed; the reason is on stderr
     WriteOut(written + QLatin1Char('\n'));
     return kExitOk;
 }
