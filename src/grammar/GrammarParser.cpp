@@ -6,9 +6,8 @@
 /// one critical message and ends the parse.
 #include "grammar/Grammar.h"
 
-#include <new>
-
 #include <QHash>
+#include <new>
 #include <unordered_set>
 
 namespace {
