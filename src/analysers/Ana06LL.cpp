@@ -26,6 +26,15 @@ bool Ana06LL::Analyze()
     const int n = g.lastCode;
     const int t = g.terminalCount;
     LLTable& synta = ll.synta;
+    // Asked for before the table is made: 100,000 terminals and as many
+    // non-terminals would want 40 GB.
+    const std::uint64_t bytes = LLTable::Bytes(n + 1, t + 1);
+    if (bytes > g.limits.tableBytes) {
+        synta.Clear();
+        m_model.host().critical(TableTooLargeText(QStringLiteral("LL(1) table"), bytes));
+        SetInProcess(false);
+        return false;
+    }
     synta.Reset(n + 1, t + 1);
     synta.Set(0, 0, LLTable::kAcc);  // end of text on the stack meets end of input
     for (int i = 1; i <= t; ++i)

@@ -49,6 +49,15 @@ bool PrecedenceAnalyser::Analyze()
 
     m_method.tableBuilt = false;
     PrecedenceMatrix& m = m_method.results.synta;
+    // One byte a cell, asked for before the matrix is made: a grammar of 100,000
+    // symbols would want 10 GB.
+    const std::uint64_t bytes = static_cast<std::uint64_t>(MatrixSize()) * static_cast<std::uint64_t>(MatrixSize());
+    if (bytes > g.limits.tableBytes) {
+        m.Clear();
+        m_model.host().critical(TableTooLargeText(m_method.title + QStringLiteral(" table"), bytes));
+        SetInProcess(false);
+        return false;
+    }
     m.Reset(MatrixSize(), RelationCodes(m_model.settings));
     for (int r = 1; r <= g.ruleCount; ++r) {
         AddRelations(m, g.rules[r]);

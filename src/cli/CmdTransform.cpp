@@ -34,7 +34,7 @@ int CmdTransform(Workspace& workspace, const CliOptions&, const QStringList& arg
         Interrupt::ResultWritten();
     }
     if (written.isEmpty())
-        return kExitFile;  // the write failure is on stderr
+        return newText.isEmpty() ? kExitGrammar : kExitFile;  // no result (refused, stopped, nothing to change), or the write failed; the reason is on stderr
     WriteOut(written + QLatin1Char('\n'));
     return kExitOk;
 }

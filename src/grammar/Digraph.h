@@ -11,15 +11,27 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdint>
 #include <vector>
+
+/// A budget that takes every growth: sets whose size nobody bounds.
+struct NoBudget {
+    template <typename Set>
+    static std::int64_t Size(const Set&)
+    {
+        return 0;
+    }
+    static bool Take(std::int64_t) { return true; }
+};
 
 /// sets is indexed by node (any set type with Merge(other)) and holds F'(x) on
 /// entry, F(x) on return. edges(x)
 /// returns the successors of x. tick() is called once per node visited and
 /// returns false to abandon the walk; Digraph then returns false and sets is
-/// left partly computed.
-template <typename Set, typename Edges, typename Tick>
-bool Digraph(int lo, int hi, Edges edges, std::vector<Set>& sets, Tick tick)
+/// left partly computed. budget (a SetBudget, or NoBudget) is given every change
+/// of a set's size and abandons the walk the same way once it is spent.
+template <typename Set, typename Edges, typename Tick, typename Budget = NoBudget>
+bool Digraph(int lo, int hi, Edges edges, std::vector<Set>& sets, Tick tick, Budget&& budget = Budget())
 {
     if (hi < lo)
         return true;
@@ -35,6 +47,11 @@ bool Digraph(int lo, int hi, Edges edges, std::vector<Set>& sets, Tick tick)
         std::size_t next;  // index of the next successor to look at
     };
     std::vector<Frame> frames;
+    auto merge = [&budget](Set& into, const Set& from) {
+        const std::int64_t before = budget.Size(into);
+        into.Merge(from);
+        return budget.Take(budget.Size(into) - before);
+    };
     auto enter = [&](int x) {
         stack.push_back(x);
         const int d = static_cast<int>(stack.size());
@@ -59,7 +76,8 @@ bool Digraph(int lo, int hi, Edges edges, std::vector<Set>& sets, Tick tick)
                     continue;
                 }
                 n[at(x)] = std::min(n[at(x)], n[at(y)]);
-                set(x).Merge(set(y));
+                if (!merge(set(x), set(y)))
+                    return false;
                 continue;
             }
             // Every successor is done: x closes its component when it is the root.
@@ -72,13 +90,17 @@ bool Digraph(int lo, int hi, Edges edges, std::vector<Set>& sets, Tick tick)
                     n[at(top)] = INT_MAX;
                     if (top == x)
                         break;
+                    const std::int64_t before = budget.Size(set(top));
                     set(top) = set(x);
+                    if (!budget.Take(budget.Size(set(top)) - before))
+                        return false;
                 }
             }
             if (!frames.empty()) {
                 const int parent = frames.back().node;
                 n[at(parent)] = std::min(n[at(parent)], n[at(x)]);
-                set(parent).Merge(set(x));
+                if (!merge(set(parent), set(x)))
+                    return false;
             }
             if (!tick())
                 return false;

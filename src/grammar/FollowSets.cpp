@@ -19,6 +19,11 @@ void Grammar::FindFollowB()
         host().yield();
         return !InProcess();
     };
+    SetBudget budget = SetAllowance({&followB});
+    auto refuse = [&] {
+        followB.assign(codes, CodeList());
+        RefuseSets(QStringLiteral("FOLLOWB sets"));
+    };
 
     followB[goal].Add(0);
 
@@ -32,11 +37,14 @@ void Grammar::FindFollowB()
             if (!IsNonterminal(rule[i - 1]))
                 continue;
             CodeList& set = followB[rule[i - 1]];
+            const std::int64_t before = SetBudget::Size(set);
             for (std::size_t j = i; j < rule.size(); ++j) {
                 set.Add(rule[j]);
                 if (!IsNonterminal(rule[j]) || !nullable[rule[j]])
                     break;
             }
+            if (!budget.Take(SetBudget::Size(set) - before))
+                return refuse();
         }
         if (stopped())
             return;
@@ -64,7 +72,9 @@ void Grammar::FindFollowB()
     const bool complete = Digraph(
         firstNonterminal, lastCode,
         [&](int a) -> const std::vector<int>& { return includes[a].Items(); }, followB,
-        [&] { return !stopped(); });
+        [&] { return !stopped(); }, budget);
+    if (budget.Spent())
+        return refuse();
     if (!complete)
         return;
 
@@ -74,11 +84,13 @@ void Grammar::FindFollowB()
     followBReport.clear();  // built when first asked for
 }
 
-bool Grammar::ExpandFollowSets(std::vector<CodeList>& sets, bool nullableOnly)
+bool Grammar::ExpandFollowSets(Indexed<CodeList>& sets, bool nullableOnly, const QString& label)
 {
-    sets = followB;
+    sets.assign(static_cast<std::size_t>(lastCode) + 1, CodeList());
+    SetBudget budget = SetAllowance({&sets});
     for (int a = firstNonterminal; a <= lastCode; ++a) {
         CodeList& set = sets[a];
+        set = followB[a];
         if (!nullableOnly || nullable[a]) {
             // Only the members that stood in the list before this step are
             // visited; FIRST sets hold terminals only, so nothing new is a
@@ -95,6 +107,11 @@ bool Grammar::ExpandFollowSets(std::vector<CodeList>& sets, bool nullableOnly)
             }
         }
         set.Filter([this](int c) { return c < firstNonterminal; });
+        if (!budget.Take(SetBudget::Size(set))) {
+            sets.assign(static_cast<std::size_t>(lastCode) + 1, CodeList());
+            RefuseSets(label);
+            return false;
+        }
         host().yield();
         if (!InProcess())
             return false;
@@ -110,7 +127,7 @@ void Grammar::FindFollowL()
     followLReport = NotAnalyzed;
     // On purpose: only the nullable non-terminals take in FIRST of their
     // members; LL(1) asks for FOLLOW only where a non-terminal may vanish.
-    if (!ExpandFollowSets(followL, true))
+    if (!ExpandFollowSets(followL, true, QStringLiteral("FOLLOWL sets")))
         return;
     SetFlag(GrammarFlag::FollowLDone, true);
     followLReport.clear();
@@ -124,7 +141,7 @@ void Grammar::FindFollowR()
     followRReport = NotAnalyzed;
     // On purpose: every non-terminal, X == A included; SLR(1) reduces on the
     // follow set of every left side.
-    if (!ExpandFollowSets(followR, false))
+    if (!ExpandFollowSets(followR, false, QStringLiteral("FOLLOWR sets")))
         return;
     SetFlag(GrammarFlag::FollowRDone, true);
     followRReport.clear();

@@ -3,6 +3,8 @@
 /// printers, the canonical text, the snapshot and the grammar-wide flags.
 #include "grammar/Grammar.h"
 
+#include <algorithm>
+
 SilentHost& SilentHost::Instance()
 {
     static SilentHost host;
@@ -54,6 +56,25 @@ void Grammar::Clear()
     precedence = PrecedenceState();
     firstReport = followBReport = followLReport = followRReport = NotAnalyzed;
     m_parsed = false;
+}
+
+SetBudget Grammar::SetAllowance(std::initializer_list<const Indexed<CodeList>*> family) const
+{
+    std::int64_t held = 0;
+    for (const auto* sets : {&first, &firstOfRule, &followB, &followL, &followR, &directFirst, &leftSet,
+                             &rightSet, &leftTermSet, &rightTermSet}) {
+        if (std::find(family.begin(), family.end(), sets) != family.end())
+            continue;
+        for (const CodeList& set : *sets)
+            held += static_cast<std::int64_t>(set.Bytes());
+    }
+    return SetBudget(static_cast<std::int64_t>(limits.setBytes) - held);
+}
+
+void Grammar::RefuseSets(const QString& sets)
+{
+    host().critical(SetsTooLargeText(sets, limits.setBytes));
+    SetInProcess(false);
 }
 
 void Grammar::SetPath(const QString& path)

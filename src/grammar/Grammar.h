@@ -7,9 +7,11 @@
 #include "grammar/CodeList.h"
 #include "grammar/Host.h"
 #include "grammar/Indexed.h"
+#include "grammar/Limits.h"
 
 #include <QString>
 #include <array>
+#include <initializer_list>
 #include <optional>
 #include <vector>
 
@@ -102,6 +104,9 @@ public:
     void SetPath(const QString& path);
     /// The error that ended the last SetText; none when it parsed, was blank or was stopped.
     const std::optional<ParseError>& LastParseError() const { return m_parseError; }
+
+    /// The memory and size limits of this grammar's computations (Clear keeps them).
+    ResourceLimits limits;
 
     bool InProcess() const { return m_inProcess; }
     void SetInProcess(bool value) { m_inProcess = value; }
@@ -245,6 +250,8 @@ public:
 
 private:
     // Parse steps (GrammarParser.cpp).
+    /// SetText for a text that is not blank, without the guard against running out of memory.
+    bool ReadText(const QString& text);
     bool ParseGrammarText(const QString& text);
     bool CheckDefinitions();
     void BuildSymbolListing();
@@ -255,15 +262,21 @@ private:
     /// non-terminal and per rule. Sets flag 2 and the FIRST report when done.
     void ComputeFirstSets();
     /// Closes precedence sets: a member non-terminal brings in its own set, pass
-    /// by pass until a pass adds nothing. False when stopped through InProcess.
-    bool ClosePrecedenceSets(std::vector<CodeList>& sets);
+    /// by pass until a pass adds nothing. False when stopped through InProcess or
+    /// when the growth spends budget.
+    bool ClosePrecedenceSets(std::vector<CodeList>& sets, SetBudget& budget);
     /// The left-recursion test (LeftRecursion.cpp); marks leftRecursive.
     bool FindLeftRecursion();
+    /// What one family of sets may take while it grows: the set limit less the
+    /// bytes the other families hold.
+    SetBudget SetAllowance(std::initializer_list<const Indexed<CodeList>*> family) const;
+    /// Shows that a family of sets passed the set limit, and stops the run.
+    void RefuseSets(const QString& sets);
     /// FOLLOWL or FOLLOWR from FOLLOWB (FollowSets.cpp): copies FOLLOWB into sets,
     /// adds FIRST of the non-terminal members (of the nullable non-terminals only,
     /// skipping X == A, when nullableOnly), keeps codes below firstNonterminal.
-    /// False when stopped through InProcess.
-    bool ExpandFollowSets(std::vector<CodeList>& sets, bool nullableOnly);
+    /// False when stopped through InProcess or by the set limit (named by label).
+    bool ExpandFollowSets(Indexed<CodeList>& sets, bool nullableOnly, const QString& label);
     /// Report text builders (GrammarReports.cpp).
     QString BuildFirstReport() const;
     /// One line per non-terminal: label, symbol, ")", " = " and the members.

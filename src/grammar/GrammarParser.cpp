@@ -7,6 +7,7 @@
 #include "grammar/Grammar.h"
 
 #include <QHash>
+#include <new>
 #include <unordered_set>
 
 namespace {
@@ -311,6 +312,19 @@ bool Grammar::SetText(const QString& text)
     m_parseError.reset();
     if (IsBlankText(text))
         return false;  // blank text: the grammar keeps its previous content
+    try {
+        return ReadText(text);
+    } catch (const std::bad_alloc&) {
+        // Whatever was built is partial: nothing of it stays.
+        Clear();
+        SetInProcess(false);
+        host().critical(kOutOfMemoryText);
+        return false;
+    }
+}
+
+bool Grammar::ReadText(const QString& text)
+{
     // The parse gives the message loop turns and stops when InProcess is cleared,
     // so it runs with the flag raised.
     SetInProcess(true);

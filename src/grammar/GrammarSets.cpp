@@ -85,12 +85,25 @@ void Grammar::ComputeFirstSets()
             return abandon();
     }
     first = std::move(own);
-    const bool complete = Digraph(
-        firstNonterminal, lastCode, [&](int a) -> const std::vector<int>& { return directFirst[a].Items(); },
-        first, [&] {
-            host().yield();
-            return InProcess();
-        });
+    // FIRST of a long chain of non-terminals holds every terminal below it: the
+    // sets together grow with the square of the chain. They stop at the set limit.
+    SetBudget budget = SetAllowance({&first, &firstOfRule, &directFirst});
+    for (const auto* sets : {&first, &directFirst})
+        for (const CodeList& set : *sets)
+            budget.Take(SetBudget::Size(set));
+    const bool complete = !budget.Spent()
+                       && Digraph(
+                              firstNonterminal, lastCode,
+                              [&](int a) -> const std::vector<int>& { return directFirst[a].Items(); }, first,
+                              [&] {
+                                  host().yield();
+                                  return InProcess();
+                              },
+                              budget);
+    if (budget.Spent()) {
+        abandon();
+        return RefuseSets(QStringLiteral("FIRST sets"));
+    }
     if (!complete)
         return abandon();
 
@@ -114,6 +127,15 @@ void Grammar::ComputeFirstSets()
                 break;
             if (i + 1 == rule.size())
                 set.Add(0);
+        }
+        if (!budget.Take(SetBudget::Size(set))) {
+            abandon();
+            return RefuseSets(QStringLiteral("FIRST sets"));
+        }
+        if ((r & 1023) == 0) {
+            host().yield();
+            if (!InProcess())
+                return abandon();
         }
     }
 

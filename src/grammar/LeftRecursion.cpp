@@ -3,76 +3,121 @@
 /// each right side; nullable prefixes are deliberately not skipped.
 #include "grammar/Grammar.h"
 
+#include <algorithm>
+
+// note [left-recursion search]
+// The test asks, for each rule A -> X ... with a non-terminal X != A, a search
+// from X for A. The search from X answers yes when a rule of X starts with A;
+// otherwise it walks the rules of X that start with another non-terminal
+// Y != X and searches from each Y in turn, and each answer replaces the answer
+// so far (on purpose: a later "no" replaces an earlier "yes"). So only the
+// last such rule of X counts: call its first symbol next(X). The search from X
+// thus follows one path X, next(X), next(next(X)), ... and answers yes exactly
+// when some Z on that path has a rule starting with A; a path that ends, or
+// comes back to a symbol it has passed, answers no. (Searched literally, the
+// walk never ends where a rule of X before the last one leads back into the
+// path; there the answer of the path stands.)
+//
+// next makes the non-terminals a functional graph: trees whose roots either
+// have no next or lie on a cycle. Z is on the path from X when Z is X or an
+// ancestor of X in its tree, or when Z lies on the cycle that X's tree hangs
+// from. One depth-first numbering of the trees answers "is Z an ancestor of X"
+// by an interval test, so each A is decided by a binary search per rule
+// Z -> A ..., and the whole test takes O(R log R) whatever the depth of the
+// chains (a recursive search per A took quadratic time and overflowed the
+// stack on chains of 100,000 rules).
+
 namespace {
 
-/// note [left-recursion search]
-/// The search from X for A, skipping rule k, walks the rules of X other than k:
-/// a rule starting with A answers yes at once; a rule starting with another
-/// non-terminal Y != X searches from Y for A skipping that rule, and its answer
-/// replaces the answer so far (on purpose: a later "no" replaces an earlier
-/// "yes"). Taken literally the search never ends on a left-recursive cycle that
-/// does not pass through A, and takes exponential time on long chains. Two
-/// changes keep the answers wherever the literal search ends:
-///  - the search is memoised for each searched A. A call is fully named by its
-///    skipped rule k, because X is always the first symbol of rule k;
-///  - a call that re-enters a rule already on the current search path answers
-///    "no" (the literal search would loop there).
-class RecursionSearch {
+/// The functional graph of next and its numbering.
+class NextGraph {
 public:
-    RecursionSearch(Grammar& g, const Indexed<std::vector<int>>& rulesOf)
-        : m_g(g)
-        , m_rulesOf(rulesOf)
-        , m_state(g.ruleCount + 1, Unknown)
-        , m_stamp(g.ruleCount + 1, 0)
+    NextGraph(const Grammar& g, const Indexed<int>& next)
+        : m_lo(g.firstNonterminal)
+        , m_next(next)
     {
+        const int n = g.lastCode + 1;
+        m_cycle.assign(n, -1);
+        m_root.assign(n, -1);
+        m_in.assign(n, 0);
+        m_out.assign(n, 0);
+        MarkCycles(g.lastCode);
+        Number(g.lastCode);
     }
 
-    /// Starts the searches for a new A: every memoised answer is forgotten.
-    void Begin(int a)
-    {
-        m_target = a;
-        ++m_generation;
-    }
-
-    bool Search(int k)
-    {
-        if (m_stamp[k] == m_generation) {
-            if (m_state[k] == OnPath)
-                return false;
-            return m_state[k] == Yes;
-        }
-        m_stamp[k] = m_generation;
-        m_state[k] = OnPath;
-
-        const int x = m_g.rules[k][1];
-        bool answer = false;
-        for (int j : m_rulesOf[x]) {
-            if (j == k)
-                continue;
-            const int y = m_g.rules[j][1];
-            if (y == m_target) {
-                answer = true;
-                m_state[k] = Yes;
-                return true;
-            }
-            if (m_g.IsNonterminal(y) && y != x)
-                answer = Search(j);
-            m_g.host().yield();
-            if (!m_g.InProcess())
-                break;
-        }
-        m_state[k] = answer ? Yes : No;
-        return answer;
-    }
+    /// Z lies on the path from X when Z is on a cycle and X's path runs into
+    /// it, or else when in(Z) <= in(X) < out(Z).
+    bool OnCycle(int z) const { return m_cycle[z] >= 0; }
+    /// The cycle X's path runs into, or -1.
+    int CycleOf(int x) const { return m_cycle[m_root[x]]; }
+    int Cycles() const { return m_cycles; }
+    int In(int x) const { return m_in[x]; }
+    int Out(int x) const { return m_out[x]; }
 
 private:
-    enum State : char { Unknown, OnPath, Yes, No };
-    Grammar& m_g;
-    const Indexed<std::vector<int>>& m_rulesOf;  ///< by code: the rules of a non-terminal
-    Indexed<char> m_state;       ///< by rule: the memoised answer of Search(k)
-    Indexed<unsigned> m_stamp;   ///< by rule: the generation m_state belongs to
-    unsigned m_generation = 0;
-    int m_target = 0;
+    /// Walks next from every non-terminal, each node once, numbering the cycles met.
+    void MarkCycles(int last)
+    {
+        enum : char { Unseen, OnWalk, Done };
+        Indexed<char> state(last + 1, Unseen);
+        std::vector<int> walk;
+        for (int start = m_lo; start <= last; ++start) {
+            int x = start;
+            while (x >= 0 && state[x] == Unseen) {
+                state[x] = OnWalk;
+                walk.push_back(x);
+                x = m_next[x];
+            }
+            if (x >= 0 && state[x] == OnWalk) {
+                // The walk closed a cycle at x: from x's place to the end.
+                for (auto it = std::find(walk.begin(), walk.end(), x); it != walk.end(); ++it)
+                    m_cycle[*it] = m_cycles;
+                ++m_cycles;
+            }
+            for (int y : walk)
+                state[y] = Done;
+            walk.clear();
+        }
+    }
+
+    /// Numbers the trees depth first: a node's descendants are the nodes whose
+    /// path passes it, and their numbers lie in [in, out).
+    void Number(int last)
+    {
+        Indexed<std::vector<int>> children(last + 1);
+        for (int x = m_lo; x <= last; ++x)
+            if (m_cycle[x] < 0 && m_next[x] >= 0)
+                children[m_next[x]].push_back(x);
+        int clock = 0;
+        std::vector<std::pair<int, std::size_t>> stack;  // node, next child to visit
+        for (int root = m_lo; root <= last; ++root) {
+            if (m_cycle[root] < 0 && m_next[root] >= 0)
+                continue;  // not a root
+            stack.push_back({root, 0});
+            m_in[root] = clock++;
+            m_root[root] = root;
+            while (!stack.empty()) {
+                auto& [x, child] = stack.back();
+                if (child < children[x].size()) {
+                    const int y = children[x][child++];
+                    m_in[y] = clock++;
+                    m_root[y] = root;
+                    stack.push_back({y, 0});
+                    continue;
+                }
+                m_out[x] = clock;
+                stack.pop_back();
+            }
+        }
+    }
+
+    int m_lo;
+    const Indexed<int>& m_next;
+    Indexed<int> m_cycle;  ///< by code: the number of the cycle the node lies on, or -1
+    Indexed<int> m_root;   ///< by code: the root of the node's tree
+    Indexed<int> m_in;     ///< by code: depth-first number
+    Indexed<int> m_out;    ///< by code: one past the numbers of the node's descendants
+    int m_cycles = 0;
 };
 
 } // namespace
@@ -81,6 +126,12 @@ bool Grammar::FindLeftRecursion()
 {
     leftRecursive.assign(static_cast<std::size_t>(lastCode) + 1, 0);
     bool answer = false;
+    auto stopped = [this](int step) {
+        if ((step & 1023) != 0)
+            return false;
+        host().yield();
+        return !InProcess();
+    };
 
     // Direct pass: a rule whose left side is its first right-side symbol.
     for (int r = 1; r <= ruleCount; ++r) {
@@ -89,34 +140,59 @@ bool Grammar::FindLeftRecursion()
             answer = true;
             leftRecursive[rule[0]] = 1;
         }
-        host().yield();
-        if (!InProcess())
+        if (stopped(r))
             return answer;
     }
 
-    // The rules of each non-terminal, in rule order.
-    Indexed<std::vector<int>> rulesOf(lastCode + 1);
-    for (int r = 1; r <= ruleCount; ++r)
-        rulesOf[rules[r][0]].push_back(r);
-
-    // Indirect pass: from the first symbol X of a rule of A, search for A.
-    RecursionSearch search(*this, rulesOf);
-    int searched = 0;
+    // next(X), the starts of each non-terminal's rules (X ...) and the
+    // non-terminals whose rules start with it (Z -> A ...), in rule order.
+    Indexed<int> next(lastCode + 1, -1);
+    Indexed<std::vector<int>> starts(lastCode + 1), startedBy(lastCode + 1);
     for (int r = 1; r <= ruleCount; ++r) {
-        const std::vector<int>& rule = rules[r];
-        const int a = rule[0];
-        if (!leftRecursive[a] && IsNonterminal(rule[1])) {
-            if (a != searched) {
-                search.Begin(a);
-                searched = a;
-            }
-            if (search.Search(r)) {
-                answer = true;
-                leftRecursive[a] = 1;
-            }
+        const int a = rules[r][0];
+        const int x = rules[r][1];
+        if (!IsNonterminal(x))
+            continue;
+        if (x != a) {
+            next[a] = x;
+            starts[a].push_back(x);
         }
-        host().yield();
-        if (!InProcess())
+        startedBy[x].push_back(a);
+    }
+    const NextGraph graph(*this, next);
+
+    // Indirect pass (note [left-recursion search]): A is left-recursive when a
+    // rule Z -> A ... stands on the path from the start X of one of A's rules.
+    Indexed<int> cycleSeen(graph.Cycles(), 0);
+    std::vector<int> numbers;
+    for (int a = firstNonterminal; a <= lastCode; ++a) {
+        if (leftRecursive[a] || starts[a].empty() || startedBy[a].empty())
+            continue;
+        numbers.clear();
+        for (int x : starts[a]) {
+            numbers.push_back(graph.In(x));
+            if (graph.CycleOf(x) >= 0)
+                cycleSeen[graph.CycleOf(x)] = a;
+        }
+        std::sort(numbers.begin(), numbers.end());
+        bool found = false;
+        for (int z : startedBy[a]) {
+            if (z == a)
+                continue;
+            if (graph.OnCycle(z)) {
+                found = cycleSeen[graph.CycleOf(z)] == a;
+            } else {
+                const auto it = std::lower_bound(numbers.begin(), numbers.end(), graph.In(z));
+                found = it != numbers.end() && *it < graph.Out(z);
+            }
+            if (found)
+                break;
+        }
+        if (found) {
+            answer = true;
+            leftRecursive[a] = 1;
+        }
+        if (stopped(a))
             return answer;
     }
     return answer;

@@ -63,8 +63,18 @@ void Grammar::FindLeftAndRightSets()
         leftSet[rule[0]].Add(rule[1]);
         rightSet[rule[0]].Add(rule.back());
     }
-    if (!ClosePrecedenceSets(leftSet) || !ClosePrecedenceSets(rightSet))
+    SetBudget budget = SetAllowance({&leftSet, &rightSet});
+    for (const auto* sets : {&leftSet, &rightSet})
+        for (const CodeList& set : *sets)
+            budget.Take(SetBudget::Size(set));
+    if (budget.Spent() || !ClosePrecedenceSets(leftSet, budget) || !ClosePrecedenceSets(rightSet, budget)) {
+        if (budget.Spent()) {
+            leftSet.assign(codes, CodeList());
+            rightSet.assign(codes, CodeList());
+            RefuseSets(QStringLiteral("precedence left and right sets"));
+        }
         return;
+    }
 
     p.sprSetsDone = p.sprSetsValid = true;
     // A non-terminal without rules has empty sets; the first one found refuses the grammar.
@@ -77,7 +87,7 @@ void Grammar::FindLeftAndRightSets()
     }
 }
 
-bool Grammar::ClosePrecedenceSets(std::vector<CodeList>& sets)
+bool Grammar::ClosePrecedenceSets(std::vector<CodeList>& sets, SetBudget& budget)
 {
     // The closure over non-terminal members: every symbol that begins (ends) a
     // member's derivations joins the set. Walking each set's own list, and adding
@@ -89,11 +99,14 @@ bool Grammar::ClosePrecedenceSets(std::vector<CodeList>& sets)
     const Indexed<CodeList> direct(sets);
     for (int a = firstNonterminal; a <= lastCode; ++a) {
         CodeList& set = sets[a];
+        const std::int64_t before = SetBudget::Size(set);
         for (int k = 0; k < set.Count(); ++k) {
             const int member = set[k];
             if (member != a && IsNonterminal(member))
                 set.Merge(direct[member]);
         }
+        if (!budget.Take(SetBudget::Size(set) - before))
+            return false;
         host().yield();
         if (!InProcess())
             return false;

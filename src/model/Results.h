@@ -31,6 +31,11 @@ public:
 
     void Reset(int rows, int columns);
     void Clear() { Reset(0, 0); }
+    /// The bytes Reset(rows, columns) asks for.
+    static std::uint64_t Bytes(int rows, int columns)
+    {
+        return static_cast<std::uint64_t>(rows) * static_cast<std::uint64_t>(columns) * sizeof(int);
+    }
     int Rows() const { return m_rows; }
     int Columns() const { return m_columns; }
 

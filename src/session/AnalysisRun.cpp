@@ -5,6 +5,7 @@
 #include "analysers/LrAnalyser.h"
 
 #include <QElapsedTimer>
+#include <new>
 
 void ProcessStart(Workspace&, AnalysisFrontend& frontend)
 {
@@ -26,19 +27,25 @@ bool PrepareGrammar(Workspace& workspace, AnalysisFrontend& frontend)
 {
     Grammar& grammar = workspace.grammar;
     bool ready = false;
-    if (grammar.SetText(frontend.GrammarText()) && grammar.Parsed()) {
-        grammar.SetInProcess(true);
-        grammar.FindFollowB();
-        if (grammar.InProcess())
-            grammar.FindFollowL();
-        if (grammar.InProcess())
-            grammar.FindFollowR();
-        if (grammar.InProcess())
-            grammar.FindLeftAndRightSets();
-        if (grammar.InProcess()) {
-            grammar.SetInProcess(false);
-            ready = true;
+    try {
+        if (grammar.SetText(frontend.GrammarText()) && grammar.Parsed()) {
+            grammar.SetInProcess(true);
+            grammar.FindFollowB();
+            if (grammar.InProcess())
+                grammar.FindFollowL();
+            if (grammar.InProcess())
+                grammar.FindFollowR();
+            if (grammar.InProcess())
+                grammar.FindLeftAndRightSets();
+            if (grammar.InProcess()) {
+                grammar.SetInProcess(false);
+                ready = true;
+            }
         }
+    } catch (const std::bad_alloc&) {
+        // What was computed is partial: the grammar is parsed afresh next time.
+        grammar.Clear();
+        workspace.host().critical(kOutOfMemoryText);
     }
     frontend.GrammarSave();
     return ready;
@@ -63,7 +70,13 @@ void RunTimed(Workspace& workspace, AnalysisFrontend& frontend, IAnazer& analyse
     workspace.SetStatus(StatusField::Elapsed, QString());
     QElapsedTimer timer;
     timer.start();
-    analyser.Analyze();
+    try {
+        analyser.Analyze();
+    } catch (const std::bad_alloc&) {
+        // The run ends as a stopped one: no verdict, no table.
+        analyser.SetInProcess(false);
+        workspace.host().critical(kOutOfMemoryText);
+    }
     workspace.SetStatus(StatusField::Elapsed, ElapsedText(timer.elapsed()));
     if (!analyser.InProcess())
         frontend.SetText2(QString());  // stopped by the user

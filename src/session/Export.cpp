@@ -4,6 +4,7 @@
 
 #include "storage/GrammarFile.h"
 
+#include <new>
 
 QString ExportSuffix(int view)
 {
@@ -43,18 +44,25 @@ ExportResult ExportViewFile(Workspace& workspace, AnalysisFrontend& frontend, in
     result.path = base + QString::fromLatin1(info->exportSuffix);
     QString error;
     bool written = false;
-    if (info->IsAnalyser()) {
-        // A new analyser object draws on the kept results: no analysis runs. Its
-        // tables are streamed into the file, then the text writer's final CR LF.
-        workspace.current = MakeAnalyser(workspace, view);
-        IAnazer* analyser = workspace.current.get();
-        written = WriteStreamedFile(result.path, [analyser](TextSink& out) {
-            if (analyser)
-                analyser->WriteTable(out);
-            out.Write(QByteArrayLiteral("\r\n"));
-        }, error);
-    } else {
-        written = WriteTextFile(result.path, info->exportedReport(g), error);
+    // The text of a large table is built in memory: a system that cannot give
+    // it ends the export with a message, and the unfinished file is dropped.
+    try {
+        if (info->IsAnalyser()) {
+            // A new analyser object draws on the kept results: no analysis runs. Its
+            // tables are streamed into the file, then the text writer's final CR LF.
+            workspace.current = MakeAnalyser(workspace, view);
+            IAnazer* analyser = workspace.current.get();
+            written = WriteStreamedFile(result.path, [analyser](TextSink& out) {
+                if (analyser)
+                    analyser->WriteTable(out);
+                out.Write(QByteArrayLiteral("\r\n"));
+            }, error);
+        } else {
+            written = WriteTextFile(result.path, info->exportedReport(g), error);
+        }
+    } catch (const std::bad_alloc&) {
+        written = false;
+        error = kOutOfMemoryText;
     }
     ProcessStop(workspace, frontend);
     if (!written) {

@@ -6,6 +6,8 @@
 #include "storage/GrammarFile.h"
 #include "transform/Transform.h"
 
+#include <new>
+
 namespace {
 
 /// The text as a file holds it: every line followed by one CR LF (the writer adds the last).
@@ -39,13 +41,28 @@ QString RunTransformation(Workspace& workspace, const QString& code, const QStri
 
     const QString path = g.Path();
     const bool letters = workspace.settings.lfLetters != 0;
-    newText = ApplyTransformation(g, code, letters);
-    // On purpose: with no lines (stopped, or refused with a message) the editor
-    // keeps its text, and that text is still saved under the new name.
-    const QString saved = newText.isEmpty() ? editorText : newText;
+    TransformOutcome outcome = TransformOutcome::Failed;
+    try {
+        newText = ApplyTransformation(g, code, letters, &outcome);
+    } catch (const std::bad_alloc&) {
+        g.SetInProcess(false);
+        g.host().critical(kOutOfMemoryText);
+        outcome = TransformOutcome::Failed;
+    }
+    // Stopped, refused or over a limit: the host has said why (a Stop needs no
+    // word), and no file is written.
+    if (outcome == TransformOutcome::Failed) {
+        newText.clear();
+        return QString();
+    }
+    if (outcome == TransformOutcome::Unchanged) {
+        newText.clear();
+        g.host().information(kNothingToChangeText);
+        return QString();
+    }
     const QString target = TransformedPath(path, code);
     QString error;
-    if (!WriteTextFile(target, WithoutFinalLineEnds(saved), error)) {
+    if (!WriteTextFile(target, WithoutFinalLineEnds(newText), error)) {
         g.host().critical(error);
         return QString();
     }

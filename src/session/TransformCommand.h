@@ -15,10 +15,17 @@ class Workspace;
 ///  - the working copy is made, the operation runs with InProcess raised (Stop
 ///    clears it), and InProcess is cleared again;
 ///  - newText is the grammar's text for "GR" and the returned lines, each
-///    followed by CR LF, for the others; empty when no lines came back, in which
-///    case the editor keeps its text and that text is what gets saved;
-///  - the result is written with WriteTextFile under TransformedPath.
-/// Returns the written path, or "" when nothing was written (a write failure is
-/// reported through the host). The window shows the busy pointer around the
-/// call, then runs File New, puts newText into the editor and opens the file.
+///    followed by CR LF, for the others;
+///  - a run that was stopped, refused, passed a limit or ran out of memory
+///    writes nothing and leaves newText empty (the host has shown why, but for a Stop);
+///  - a result equal to the grammar writes nothing either: newText is left
+///    empty and the host is told kNothingToChangeText (information);
+///  - otherwise the result is written with WriteTextFile under TransformedPath.
+/// Returns the written path, or "" when nothing was written; newText is empty
+/// then, unless the result was made and only its writing failed (reported
+/// through the host). The window shows the busy pointer around the call, then
+/// runs File New, puts newText into the editor and opens the file.
 QString RunTransformation(Workspace& workspace, const QString& code, const QString& editorText, QString& newText);
+
+/// What a transformation that changes nothing says.
+inline const QString kNothingToChangeText = QStringLiteral("The grammar has nothing to change: no file written.");

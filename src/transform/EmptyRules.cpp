@@ -14,11 +14,15 @@ namespace transform {
 
 namespace {
 
-/// Adds p unless an equal rule is there already; keeps the order of first addition.
-void AddOnce(Productions& rules, std::set<Production>& seen, Production p)
+/// Adds p unless an equal rule is there already; keeps the order of first
+/// addition. False once the result has grown past its limit.
+bool AddOnce(Productions& rules, std::set<Production>& seen, Production p, ResultBudget& budget)
 {
-    if (seen.insert(p).second)
-        rules.push_back(std::move(p));
+    if (!seen.insert(p).second)
+        return true;
+    const bool within = budget.Add(p.right);
+    rules.push_back(std::move(p));
+    return within;
 }
 
 } // namespace
@@ -36,18 +40,20 @@ bool EliminateEmptyRules(Grammar& g, bool letters)
     // decides whether the goal keeps an empty rule.
     Productions result;
     std::set<Production> seen;
+    ResultBudget budget(g);
     for (const Production& p : rules) {
         if (p.right.empty()) {
-            if (p.left == goal)
-                AddOnce(result, seen, p);
+            if (p.left == goal && !AddOnce(result, seen, p, budget))
+                return false;
             continue;
         }
         std::vector<std::size_t> optional;
         for (std::size_t i = 0; i < p.right.size(); ++i)
             if (isNullable(p.right[i]))
                 optional.push_back(i);
-        if (optional.size() > 40) {
-            // 2^40 rules from one rule: no grammar of that size could be written.
+        // k nullable symbols give up to 2^k rules, each tried in turn: refused
+        // before the first when 2^k passes the limit of the result's rules.
+        if (optional.size() >= 62 || (std::int64_t{1} << optional.size()) > budget.MaxRules()) {
             g.host().critical(QStringLiteral("Too many nullable symbols in one rule."));
             return false;
         }
@@ -64,7 +70,8 @@ bool EliminateEmptyRules(Grammar& g, bool letters)
             }
             if (variant.right.empty() || (variant.right.size() == 1 && variant.right[0] == p.left))
                 continue;
-            AddOnce(result, seen, std::move(variant));
+            if (!AddOnce(result, seen, std::move(variant), budget))
+                return false;
             if ((mask & 1023) == 1023 && Stopped(g))
                 return false;
         }
@@ -92,6 +99,8 @@ bool EliminateEmptyRules(Grammar& g, bool letters)
                 dropped = true;
         }
         result = std::move(kept);
+        if (Stopped(g))
+            return false;
     }
 
     // A goal that derives nothing loses its last rules here (S = S B with B =>* ε

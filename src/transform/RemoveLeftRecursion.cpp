@@ -50,11 +50,16 @@ struct CornerGraph {
     }
 };
 
-/// Adds rules to list, each once.
-void AddOnce(std::vector<std::vector<int>>& list, std::set<std::vector<int>>& seen, std::vector<int> right)
+/// Adds a right side to list unless it is there; false once the result has
+/// grown past its limit.
+bool AddOnce(std::vector<std::vector<int>>& list, std::set<std::vector<int>>& seen, std::vector<int> right,
+             ResultBudget& budget)
 {
-    if (seen.insert(right).second)
-        list.push_back(std::move(right));
+    if (!seen.insert(right).second)
+        return true;
+    const bool within = budget.Add(right);
+    list.push_back(std::move(right));
+    return within;
 }
 
 /// Algorithm 4.19 over the rules by non-terminal (right sides; empty = ε).
@@ -64,9 +69,12 @@ public:
         : m_g(g)
         , m_letters(letters)
         , m_alternatives(g.copyLastCode + 1)
+        , m_budget(g)
     {
-        for (const Production& p : rules)
+        for (const Production& p : rules) {
             m_alternatives[p.left].push_back(p.right);
+            m_budget.Add(p.right);
+        }
         // The goal first, then the others in code order.
         m_order.push_back(g.copyGoal);
         for (int a = g.copyFirstNonterminal; a <= g.copyLastCode; ++a)
@@ -78,14 +86,12 @@ public:
         m_primeOf.assign(m_alternatives.size(), 0);
     }
 
-    /// False when stopped.
+    /// False when stopped, or when the result would grow past its limit (the
+    /// substitutions can double the rules at every level of a grammar).
     bool Run()
     {
         for (int i = 0; i < m_order.size(); ++i) {
-            if (!Substitute(i))
-                return false;
-            EliminateImmediate(m_order[i]);
-            if (Stopped(m_g))
+            if (!Substitute(i) || !EliminateImmediate(m_order[i]) || Stopped(m_g))
                 return false;
         }
         return true;
@@ -145,11 +151,15 @@ private:
         };
         auto& alternatives = m_alternatives[ai];
         while (std::any_of(alternatives.begin(), alternatives.end(), substitutable)) {
+            // The round's rules replace Ai's: counted as they are made, Ai's old ones dropped.
+            for (const std::vector<int>& right : alternatives)
+                m_budget.Add(-1, -static_cast<std::int64_t>(right.size()));
             std::vector<std::vector<int>> next;
             std::set<std::vector<int>> seen;
             for (const std::vector<int>& right : alternatives) {
                 if (!substitutable(right)) {
-                    AddOnce(next, seen, right);
+                    if (!AddOnce(next, seen, right, m_budget))
+                        return false;
                     continue;
                 }
                 for (const std::vector<int>& delta : m_alternatives[right[0]]) {
@@ -157,8 +167,11 @@ private:
                     replaced.insert(replaced.end(), right.begin() + 1, right.end());
                     if (replaced.size() == 1 && replaced[0] == ai)
                         continue;  // Ai -> Ai adds nothing
-                    AddOnce(next, seen, std::move(replaced));
+                    if (!AddOnce(next, seen, std::move(replaced), m_budget))
+                        return false;
                 }
+                if (Stopped(m_g))
+                    return false;
             }
             alternatives = std::move(next);
             if (Stopped(m_g))
@@ -168,8 +181,9 @@ private:
     }
 
     /// A -> A a1 | ... | A am | b1 | ... | bn becomes A -> b1 A' | ... | bn A'
-    /// and A' -> a1 A' | ... | am A' | ε.
-    void EliminateImmediate(int a)
+    /// and A' -> a1 A' | ... | am A' | ε: one rule and n symbols more. False
+    /// once the result has grown past its limit.
+    bool EliminateImmediate(int a)
     {
         std::vector<std::vector<int>> alphas, betas;
         for (const std::vector<int>& right : m_alternatives[a]) {
@@ -179,7 +193,9 @@ private:
                 betas.push_back(right);
         }
         if (alphas.empty())
-            return;
+            return true;
+        if (!m_budget.Add(1, static_cast<std::int64_t>(betas.size())))
+            return false;
         const int fresh = NewNonterminal(m_g, a, m_letters);
         m_alternatives.resize(fresh + 1);
         m_position.resize(m_alternatives.size(), -1);
@@ -197,6 +213,7 @@ private:
             tail.push_back(std::move(alpha));
         }
         tail.push_back({});
+        return true;
     }
 
     Grammar& m_g;
@@ -205,6 +222,7 @@ private:
     Indexed<int> m_order;     ///< A1..An of the algorithm
     Indexed<int> m_position;  ///< by code: index in m_order, -1 for new non-terminals
     Indexed<int> m_primeOf;   ///< by code: the non-terminal made for its recursion, or 0
+    ResultBudget m_budget;    ///< the rules and symbols of m_alternatives, against the limit
 };
 
 } // namespace

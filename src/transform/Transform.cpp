@@ -3,6 +3,7 @@
 #include "transform/Transform.h"
 
 #include "grammar/Grammar.h"
+#include "transform/WorkingCopy.h"
 
 
 namespace {
@@ -61,15 +62,19 @@ QString TransformedPath(const QString& path, const QString& code)
     return stem + QLatin1Char('-') + code + QStringLiteral(".tkg");
 }
 
-QString ApplyTransformation(Grammar& g, const QString& code, bool letters)
+QString ApplyTransformation(Grammar& g, const QString& code, bool letters, TransformOutcome* outcome)
 {
     g.MakeACopy();
     g.SetInProcess(true);
     QString text;
+    bool unchanged = false;
     if (code == TransformCode::GroupRules) {
+        const QString before = g.Text();
         GroupRules(g);
         text = g.Text();
+        unchanged = text == before;
     } else {
+        const QStringList before = transform::CopyLines(g);
         QStringList lines;
         if (code == TransformCode::RemoveCycles)
             lines = RemoveCycles(g, letters);
@@ -81,9 +86,14 @@ QString ApplyTransformation(Grammar& g, const QString& code, bool letters)
             lines = LeftRecursion(g, letters);
         else
             lines = RemoveUnusedSymbols(g);
+        unchanged = lines == before;
         for (const QString& line : lines)
             text += line + QStringLiteral("\r\n");
     }
+    if (outcome)
+        *outcome = text.isEmpty() ? TransformOutcome::Failed
+                 : unchanged      ? TransformOutcome::Unchanged
+                                  : TransformOutcome::Changed;
     g.SetInProcess(false);
     return text;
 }

@@ -22,11 +22,19 @@ inline const QString RemoveUnusedSymbols = QStringLiteral("UU");
 QStringList All();
 } // namespace TransformCode
 
+/// How the operation of a command ended.
+enum class TransformOutcome {
+    Changed,    ///< a new grammar came out
+    Unchanged,  ///< the grammar came out as it went in: nothing to change
+    Failed,     ///< stopped, or refused with a message (a limit, a barren goal)
+};
+
 /// The operation of one command on a parsed grammar: takes the working copy,
 /// runs with InProcess raised, and returns the result text — the grammar's text
 /// for "GR", the returned lines each followed by CR LF for the others ("" when
-/// the run was stopped or refused).
-QString ApplyTransformation(Grammar& g, const QString& code, bool letters);
+/// the run was stopped or refused). outcome, when given, tells which; a result
+/// equal to the grammar's own rules is Unchanged (its text is still returned).
+QString ApplyTransformation(Grammar& g, const QString& code, bool letters, TransformOutcome* outcome = nullptr);
 
 /// The result file of a command: path up to the last "." of its file name, then
 /// "-", code and ".tkg" (expr.tkg gives expr-LR.tkg, expr-LR.tkg gives

@@ -39,6 +39,32 @@ void SetCopyProductions(Grammar& g, const Productions& rules)
     g.copyRuleCount = static_cast<int>(rules.size());
 }
 
+ResultBudget::ResultBudget(Grammar& g)
+    : m_g(g)
+{
+    std::int64_t symbols = 0;
+    for (int r = 1; r <= g.ruleCount; ++r)
+        symbols += g.RightLength(r);
+    m_maxRules = std::max<std::int64_t>(g.limits.transformRules, 2 * static_cast<std::int64_t>(g.ruleCount));
+    m_maxSymbols = std::max<std::int64_t>(g.limits.transformSymbols, 2 * symbols);
+}
+
+bool ResultBudget::Add(std::int64_t rules, std::int64_t symbols)
+{
+    m_rules += rules;
+    m_symbols += symbols;
+    if (m_passed)
+        return false;
+    if (m_rules <= m_maxRules && m_symbols <= m_maxSymbols)
+        return true;
+    m_passed = true;
+    const bool byRules = m_rules > m_maxRules;
+    m_g.host().critical(QStringLiteral("Not transformed: the result would have more than ")
+                        + QString::number(byRules ? m_maxRules : m_maxSymbols)
+                        + (byRules ? QStringLiteral(" rules.") : QStringLiteral(" symbols.")));
+    return false;
+}
+
 QString WrittenSymbol(const Grammar& g, int code)
 {
     const QString& name = g.copySymbolNames[code + 2];

@@ -9,6 +9,7 @@
 #include "grammar/Indexed.h"
 
 #include <QStringList>
+#include <cstdint>
 #include <vector>
 
 namespace transform {
@@ -34,6 +35,34 @@ Productions CopyProductions(const Grammar& g);
 /// Replaces the copy's rules by rule 0 = {-2, copyGoal} and the given ones;
 /// updates copyRuleCount.
 void SetCopyProductions(Grammar& g, const Productions& rules);
+
+/// The size a transformation's result may reach: the grammar's limits
+/// (ResourceLimits), or twice the grammar's own rules and right-side symbols
+/// when that is more, so that no grammar is refused for the size it already
+/// has. The operations count what they make as they make it, and stop before
+/// the result grows past the limit (substituting rules into rules, or leaving
+/// out nullable symbols, can multiply a grammar's size level by level).
+class ResultBudget {
+public:
+    explicit ResultBudget(Grammar& g);
+    /// Counts rules and right-side symbols made (negative counts for dropped
+    /// ones); false once the result has passed a limit. The first time, the
+    /// message "Not transformed: the result would have more than N rules."
+    /// (or "... symbols.") is shown as critical.
+    bool Add(std::int64_t rules, std::int64_t symbols);
+    /// Counts one rule with the given right side.
+    bool Add(const std::vector<int>& right) { return Add(1, static_cast<std::int64_t>(right.size())); }
+    bool Passed() const { return m_passed; }
+    std::int64_t MaxRules() const { return m_maxRules; }
+
+private:
+    Grammar& m_g;
+    std::int64_t m_maxRules;
+    std::int64_t m_maxSymbols;
+    std::int64_t m_rules = 0;
+    std::int64_t m_symbols = 0;
+    bool m_passed = false;
+};
 
 /// One symbol of the copy as the notation writes it: "<A>", "[a]", ".".
 QString WrittenSymbol(const Grammar& g, int code);

@@ -80,7 +80,7 @@ TEST(TransformFrame, ResultFileNames)
         EXPECT_EQ(TransformedPath(QString::fromUtf8(path), QString::fromUtf8(code)), QString::fromUtf8(result));
 }
 
-TEST(TransformFrame, PreconditionsStopQuietlyAndAStoppedRunSavesTheEditorText)
+TEST(TransformFrame, PreconditionsStopQuietlyAndAStoppedRunWritesNothing)
 {
     RecordingHost host;
     Workspace ws(&host);
@@ -106,13 +106,13 @@ TEST(TransformFrame, PreconditionsStopQuietlyAndAStoppedRunSavesTheEditorText)
     EXPECT_EQ(QDir(dir).entryList(QDir::Files), QStringList());
     ws.grammar.SetPath(dir + QStringLiteral("/g.tkg"));
 
-    // Stopped: the result file holds the editor's text unchanged.
+    // Stopped: no result, and no file.
     ASSERT_TRUE(ws.grammar.SetText(text));
     host.stopAfter = host.yields + 1;
     host.stop = [&ws] { ws.Stop(); };
-    EXPECT_EQ(RunTransformation(ws, QStringLiteral("UU"), text, newText), dir + QStringLiteral("/g-UU.tkg"));
+    EXPECT_EQ(RunTransformation(ws, QStringLiteral("UU"), text, newText), QString());
     EXPECT_EQ(newText, QString());
-    EXPECT_EQ(FileBytes(dir + QStringLiteral("/g-UU.tkg")), text.toUtf8());
+    EXPECT_EQ(QDir(dir).entryList(QDir::Files), QStringList());
 }
 
 // ---- New non-terminals (the common namings are golden cases: transform-*-name*, -letters*) -----
