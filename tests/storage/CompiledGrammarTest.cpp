@@ -292,7 +292,61 @@ TEST(CompiledGrammar, FileFollowsTheSlotLayout)
     for (int slot : {50, 51, 52, 53, 54, 55, 57, 58, 59, 60, 61, 62, 63})
         EXPECT_EQ(slots[static_cast<std::size_t>(slot)].text, QString()) << "slot " << slot;
     EXPECT_EQ(slots[56].text, ws.grammar.llRejection);
+    // The LR rows hold small codes and states: bytes, or 16-bit values with a reduce.
+    ASSERT_FALSE(slots[40].elementTags.empty());
+    for (quint16 tag : slots[40].elementTags)
+        EXPECT_TRUE(tag == (0x2000 | 17) || tag == (0x2000 | 2)) << tag;
     EXPECT_EQ(slots[78].text, ws.lr.saved.elapsed);
+}
+
+TEST(CompiledGrammar, IntegerArraysGoInTheNarrowestTypeAndAnyWidthIsRead)
+{
+    struct Case {
+        std::vector<int> values;
+        quint16 tag;
+        int bytes;  // of the element data
+    };
+    const Case cases[] = {
+        {{0, 7, 255}, Tkc::Tag::Byte, 3},
+        {{0, 256}, Tkc::Tag::Int16, 4},
+        {{-1, 5}, Tkc::Tag::Int16, 4},
+        {{-32768, 32767}, Tkc::Tag::Int16, 4},
+        {{32768}, Tkc::Tag::Int32, 4},
+        {{-32769, 0}, Tkc::Tag::Int32, 8},
+        {{}, Tkc::Tag::Byte, 0},
+    };
+    for (const Case& c : cases) {
+        TkcWriter out;
+        out.IntArray(c.values, 1);
+        ASSERT_EQ(out.bytes.size(), 12 + c.bytes);
+        EXPECT_EQ(quint8(out.bytes[0]) | quint8(out.bytes[1]) << 8, Tkc::Tag::Array | c.tag);
+        TkcReader in(out.bytes);
+        EXPECT_EQ(in.IntArray(1), c.values);
+        EXPECT_EQ(in.Left(), 0);
+    }
+    // 32-bit arrays, as earlier builds wrote every array, are read as well.
+    TkcWriter wide;
+    wide.ArrayHeader(Tkc::Tag::Int32, 2, 0);
+    wide.I32(3);
+    wide.I32(-70000);
+    TkcReader in(wide.bytes);
+    EXPECT_EQ(in.IntArray(0), (std::vector<int>{3, -70000}));
+    // Single integers: 16-bit when they fit.
+    TkcWriter one;
+    one.Integer(-2);
+    one.Integer(40000);
+    EXPECT_EQ(one.bytes, QByteArray("\x02\x00\xFE\xFF\x03\x00\x40\x9C\x00\x00", 10));
+    // Text or true/false elements are no integer array.
+    TkcWriter texts;
+    texts.ArrayHeader(Tkc::Tag::Bool, 1, 0);
+    texts.BoolData(true);
+    TkcReader wrong(texts.bytes);
+    try {
+        wrong.IntArray(0);
+        ADD_FAILURE() << "read as integers";
+    } catch (const Tkc::Failure& failure) {
+        EXPECT_EQ(failure.number, FileErrorNumber::TypeMismatch);
+    }
 }
 
 TEST(CompiledGrammar, ForeignAndMissingCompanionsAreIgnoredSilently)
