@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QtEndian>
 #include <csignal>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -197,6 +198,7 @@ public:
     {
     }
     bool AtEnd() const { return m_pos == m_bytes.size(); }
+    qsizetype Offset() const { return m_pos; }
     quint32 Int(int width)
     {
         quint32 v = 0;
@@ -347,6 +349,47 @@ TEST(CompiledGrammar, IntegerArraysGoInTheNarrowestTypeAndAnyWidthIsRead)
     } catch (const Tkc::Failure& failure) {
         EXPECT_EQ(failure.number, FileErrorNumber::TypeMismatch);
     }
+}
+
+TEST(CompiledGrammar, ExtremeCountsAreRefusedBeforeAnyArithmetic)
+{
+    // The symbol count at the largest 32-bit value, and a simple-precedence
+    // matrix that claims to span it: the file holds only the real cells, so it
+    // is refused before a matrix of that size is made.
+    Workspace a;
+    AnalyseAll(a, QStringLiteral("<E>\r\n<E>=<E>[+]<T>\r\n<E>=<T>\r\n<T>=[a]\r\n"));
+    ASSERT_TRUE(a.grammar.GetFlag(GrammarFlag::AnalysedSPR));
+    const QString path = ScratchDir(QStringLiteral("tkc-extreme")) + QStringLiteral("/e.tkc");
+    ASSERT_TRUE(TKCSave(a, path, QString(), QString()));
+    QByteArray bytes = FileBytes(path);
+
+    LayoutWalker walker(bytes.mid(18));
+    walker.Int(4);
+    for (int slot = 3; slot <= 14; ++slot)
+        slot == 14 ? void(walker.Int(4)) : void(walker.Value());
+    const qsizetype lastCode = 18 + walker.Offset();
+    ASSERT_EQ(qFromLittleEndian<qint32>(bytes.constData() + lastCode), a.grammar.lastCode);
+    bytes.replace(lastCode, 8, QByteArray("\xFE\xFF\xFF\x7F\xFF\xFF\xFF\x7F", 8));  // slots 15 and 16
+
+    TkcWriter head;
+    const std::array<int, 3>& codes = a.spr.synta.RelationCodes();
+    head.IntArray({a.spr.Size(), codes[0], codes[1], codes[2]}, 0);
+    const qsizetype at = bytes.indexOf(head.bytes);
+    ASSERT_GT(at, lastCode);
+    TkcWriter huge;
+    huge.ArrayHeader(Tkc::Tag::Int32, 4, 0);
+    for (int v : {0x7FFFFFFF, codes[0], codes[1], codes[2]})
+        huge.I32(v);
+    bytes.replace(at, head.bytes.size(), huge.bytes);
+    ASSERT_TRUE(WriteFileBytes(path, bytes));
+
+    RecordingHost host;
+    Workspace b(&host);
+    QString grammarPath, grammarName;
+    EXPECT_EQ(TKCRead(b, path, grammarPath, grammarName), TkcReadResult::Failed);
+    EXPECT_EQ(host.criticals,
+              QStringList{QStringLiteral("Error encountered: 9\r\nSubscript out of range\r\nSource: TKCRead\r\n")});
+    EXPECT_EQ(b.spr.Size(), 0);
 }
 
 TEST(CompiledGrammar, ForeignAndMissingCompanionsAreIgnoredSilently)
