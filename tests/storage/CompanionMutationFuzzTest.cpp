@@ -254,13 +254,11 @@ TEST(CompanionMutationFuzz, AKeptStateShowsWhatAFreshAnalysisShows)
         const QStringList shown = Shown(ws, text);
         if (shown != s.shown) {
             ++wrong;
-            for (qsizetype i = 0; i < shown.size() && i < s.shown.size(); ++i)
-                if (shown[i] != s.shown[i]) {
-                    ADD_FAILURE() << s.name.toStdString() << " variant " << variant << " shows item " << i << ":\n"
-                                  << shown[i].left(300).toStdString() << "\ninstead of\n"
-                                  << s.shown[i].left(300).toStdString();
-                    break;
-                }
+            qsizetype i = 0;
+            while (shown[i] == s.shown[i])
+                ++i;
+            ADD_FAILURE() << s.name.toStdString() << " variant " << variant << " shows item " << i << ":\n"
+                          << shown[i].left(300).toStdString() << "\ninstead of\n" << s.shown[i].left(300).toStdString();
         }
     }
     std::printf("[ mutation ] %d kept, %d of them wrong, %d reported; slowest open %lld ms\n", kept, wrong, reported,
