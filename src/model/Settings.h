@@ -7,9 +7,27 @@
 #include <QString>
 #include <cstdint>
 
+/// The range each numeric setting is read in; a value outside it is refused at
+/// start-up with the settings file's message, never wrapped or cut.
+namespace SettingRange {
+/// "CellWidth" counts characters of a grid column and of a C table cell: at
+/// most 64 (a C name keeps 63 significant characters, and the C text of a large
+/// table grows by rows x columns bytes per character). 0..2 are raised to 3.
+constexpr int kCellWidthLeast = 0;
+constexpr int kCellWidthMost = 64;
+constexpr int kCellWidthUsed = 3;  ///< the narrowest cell actually used
+/// "MaxCycle" is compared with a state number: below 1 every LR run stops after
+/// its first pass; the automata stop at 10000 states anyway.
+constexpr int kMaxCycleLeast = 1;
+constexpr int kMaxCycleMost = 1000000;
+/// "Left" and "Top" are window positions: far beyond any desktop, yet well
+/// inside what a window position can hold.
+constexpr int kPositionMost = 100000;
+} // namespace SettingRange
+
 struct Settings {
-    int cellWidth = 5;               ///< "CellWidth": grid and C table cell width, at least 3
-    int maxCycle = 10000;            ///< "MaxCycle": pass limit of the LR automaton builders
+    int cellWidth = 5;               ///< "CellWidth": grid and C table cell width, 3..64
+    int maxCycle = 10000;            ///< "MaxCycle": pass limit of the LR automaton builders, 1..1000000
     int generateRules = 1;           ///< "GenerateRules": RULE table in the C text
     int generateRuleReverse = 0;     ///< "GenerateRuleReverse"
     int generateComment = 1;         ///< "GenerateComment": column heads over LR tables

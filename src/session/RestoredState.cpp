@@ -1,9 +1,15 @@
 /// \file
 /// The check that a restored state belongs to the grammar text it was opened
-/// with and holds together, so that nothing shown comes from another text.
+/// with and holds together, so that nothing shown comes from another text or
+/// from a damaged file.
 #include "session/RestoredState.h"
 
-#include "analysers/LrItems.h"
+#include "analysers/Ana06LL.h"
+#include "analysers/Ana10SPR.h"
+#include "analysers/Ana11OPR.h"
+#include "analysers/LrAutomaton.h"
+#include "session/CompiledGrammar.h"
+#include "session/RestoredTables.h"
 #include "session/Workspace.h"
 
 namespace {
@@ -16,7 +22,6 @@ bool SameParse(const Grammar& g, const Grammar& p)
                      GrammarFlag::HasEmptyRule, GrammarFlag::LeftRecursive})
         if (g.GetFlag(flag) != p.GetFlag(flag))
             return false;
-    // An empty symbol listing was too long to keep: the caller takes the parse's.
     return g.Parsed() && g.symbolNames == p.symbolNames && g.rules == p.rules && g.terminalNames == p.terminalNames
         && g.nonterminalNames == p.nonterminalNames && g.ruleCount == p.ruleCount && g.lastCode == p.lastCode
         && g.terminalCount == p.terminalCount && g.firstNonterminal == p.firstNonterminal && g.goal == p.goal
@@ -24,113 +29,167 @@ bool SameParse(const Grammar& g, const Grammar& p)
         && g.leftRecursive == p.leftRecursive && g.ruleNullable == p.ruleNullable
         && g.maxRuleLength == p.maxRuleLength && g.maxTerminalName == p.maxTerminalName
         && g.maxNonterminalName == p.maxNonterminalName && g.maxName == p.maxName && g.first == p.first
-        && g.firstOfRule == p.firstOfRule && g.directFirst == p.directFirst && g.llRejection == p.llRejection
-        && (g.symbolListing == p.symbolListing || g.symbolListing.isEmpty());
+        && g.firstOfRule == p.firstOfRule && g.directFirst == p.directFirst && g.llRejection == p.llRejection;
 }
 
-/// Every member of every set is a code of the grammar; a set array that its
-/// flag says is computed has one set per code.
-bool SetsWithin(const std::vector<CodeList>& sets, const Grammar& g, bool computed)
+bool SamePrecedenceFlags(const PrecedenceState& a, const PrecedenceState& b)
 {
-    const std::size_t codes = static_cast<std::size_t>(g.lastCode) + 1;
-    if (sets.size() > codes || (computed && sets.size() != codes))
+    return a.sprPossible == b.sprPossible && a.oprPossible == b.oprPossible && a.sprSetsDone == b.sprSetsDone
+        && a.oprSetsDone == b.oprSetsDone && a.sprSetsValid == b.sprSetsValid && a.oprSetsValid == b.oprSetsValid
+        && a.sprTableBuilt == b.sprTableBuilt && a.oprTableBuilt == b.oprTableBuilt;
+}
+
+/// A kept text equals the one worked out again, or is empty (then it is taken).
+bool TakeText(QString& kept, const QString& worked)
+{
+    if (!kept.isEmpty() && kept != worked)
         return false;
-    for (const CodeList& set : sets)
-        for (int code : set)
-            if (code > g.lastCode)
-                return false;
+    kept = worked;
     return true;
 }
 
-bool LLTableWithin(const LLTable& table, const Grammar& g)
+bool SameMatrix(const PrecedenceMatrix& a, const PrecedenceMatrix& b)
 {
-    if (table.Rows() != g.lastCode + 1 || table.Columns() != g.terminalCount + 1)
-        return false;
-    for (int row = 0; row < table.Rows(); ++row)
-        for (int column = 0; column < table.Columns(); ++column) {
-            const int first = table.First(row, column);
-            if (first > g.ruleCount || first < LLTable::kPop || (first <= 0 && table.IsConflict(row, column)))
-                return false;
-            for (int r : table.Entries(row, column))
-                if (r < 1 || r > g.ruleCount)
-                    return false;
-        }
-    return true;
+    return a.Size() == b.Size() && (a.Size() == 0 || (a.RelationCodes() == b.RelationCodes() && a.RawCells() == b.RawCells()));
 }
 
-bool LrResultsWithin(const LrResults& r, const Grammar& g, int itemCount)
-{
-    const int states = r.rows.size();
-    if (states == 0 || r.kernels.size() != states || r.accessing.size() != states
-        || (!r.lookaheads.empty() && r.lookaheads.size() != states))
-        return false;
-    const int accept = states;
-    for (int s = 0; s < states; ++s) {
-        int previous = -1;
-        for (const auto& [code, entry] : r.rows[s]) {
-            if (code <= previous || code > g.lastCode || entry < -g.ruleCount || entry > accept)
-                return false;
-            previous = code;
-        }
-        for (int item : r.kernels[s])
-            if (item < 0 || item >= itemCount)
-                return false;
-        if (r.accessing[s] < -2 || r.accessing[s] > g.lastCode)
-            return false;
-        if (r.lookaheads.empty())
-            continue;
-        for (const ItemLookahead& kept : r.lookaheads[s]) {
-            if (kept.item < 0 || kept.item >= itemCount)
-                return false;
-            for (int t : kept.terminals)
-                if (t < 0 || t > g.terminalCount)
-                    return false;
-        }
-    }
-    // Each refused reduce names a filled cell of a state on a terminal.
-    for (const Conflict& c : r.conflicts)
-        if (c.row < 0 || c.row >= states || c.column < 0 || c.column > g.terminalCount
-            || c.rejected.size() != 1 || c.rejected[0] >= 0 || c.rejected[0] < -g.ruleCount || c.kept == 0)
-            return false;
-    return true;
-}
-
-/// The analysers' results lie within the grammar, for every analysis the
-/// flags say has run. Takes the texts that were too long to keep from the
-/// parse, or has their analysis run again.
-bool AnalysesWithin(Workspace& ws, const Grammar& parsed)
+/// The grammar's sets and the analyses the flags say have run, worked out
+/// again from the text where that is cheap (the follow sets, the precedence
+/// step, LL(1) and the precedence matrices) and compared; the LR tables are
+/// checked against the grammar without building them again. What the file
+/// does not vouch for is taken from the work here, as the next Analyse would
+/// compute it. False when anything kept differs.
+bool AnalysesHold(Workspace& ws, Model& reference)
 {
     Grammar& g = ws.grammar;
-    if (g.symbolListing.isEmpty())
-        g.symbolListing = parsed.symbolListing;
-    if (!SetsWithin(g.followB, g, g.GetFlag(GrammarFlag::FollowBDone))
-        || !SetsWithin(g.followL, g, g.GetFlag(GrammarFlag::FollowLDone))
-        || !SetsWithin(g.followR, g, g.GetFlag(GrammarFlag::FollowRDone)))
+    Grammar& p = reference.grammar;
+    // As the analysis run readies a grammar.
+    p.SetInProcess(true);
+    p.FindFollowB();
+    p.FindFollowL();
+    p.FindFollowR();
+    p.FindLeftAndRightSets();
+    if (!p.GetFlag(GrammarFlag::FollowRDone) || !p.GetFlag(GrammarFlag::FollowLDone))
         return false;
-    for (const auto* sets : {&g.leftSet, &g.rightSet, &g.leftTermSet, &g.rightTermSet})
-        if (!SetsWithin(*sets, g, false))
+    const std::tuple<int, std::vector<CodeList>*, const std::vector<CodeList>*> follows[] = {
+        {GrammarFlag::FollowBDone, &g.followB, &p.followB},
+        {GrammarFlag::FollowLDone, &g.followL, &p.followL},
+        {GrammarFlag::FollowRDone, &g.followR, &p.followR}};
+    for (const auto& [flag, kept, worked] : follows)
+        if (g.GetFlag(flag) && *kept != *worked)
             return false;
 
-    if (g.GetFlag(GrammarFlag::AnalysedLL)) {
-        if (!LLTableWithin(ws.ll.synta, g))
-            return false;
-        if (ws.ll.text.isEmpty()) {
-            // Its listing was too long to keep: LL(1) runs again when asked for,
-            // with the permission the parse gave (a conflict verdict clears it).
-            ws.ll.Reset();
-            g.SetFlag(GrammarFlag::AnalysedLL, false);
-            g.SetFlagValue(GrammarFlag::LLPermitted, parsed.FlagValue(GrammarFlag::LLPermitted));
-        }
+    // The precedence step and matrices. A matrix made with other relation codes
+    // than the settings give now is put aside, as a change of the codes would:
+    // the next Analyse makes it again.
+    PrecedenceState& kept = g.precedence;
+    const bool stepRan = kept.sprSetsDone || kept.oprSetsDone || kept.sprPossible || kept.oprPossible
+                      || kept.sprText != NotAnalyzed || kept.oprText != NotAnalyzed;
+    const Settings& now = ws.settings;
+    reference.settings.pSignLT = now.pSignLT;
+    reference.settings.pSignEQ = now.pSignEQ;
+    reference.settings.pSignGT = now.pSignGT;
+    const std::array<int, 3> codes{now.pSignLT, now.pSignEQ, now.pSignGT};
+    if (g.GetFlag(GrammarFlag::AnalysedSPR) && ws.spr.synta.RelationCodes() != codes) {
+        g.SetFlag(GrammarFlag::AnalysedSPR, false);
+        kept.sprPossible = p.precedence.sprPossible;
+        kept.sprTableBuilt = p.precedence.sprTableBuilt;
+        kept.sprText = p.precedence.sprText;
     }
-    const int itemCount = LrItems(g).Count();
-    const std::tuple<const LrResults*, int, int> lrs[] = {{&ws.slr, GrammarFlag::AnalysedSLR, GrammarFlag::SLRVerdict},
-                                                    {&ws.lalr, GrammarFlag::AnalysedLALR, GrammarFlag::LALRVerdict},
-                                                    {&ws.lr, GrammarFlag::AnalysedLR, GrammarFlag::LRVerdict}};
-    // A table's verdict is that it has no conflict.
-    for (const auto& [results, flag, verdict] : lrs)
-        if (g.GetFlag(flag)
-            && (!LrResultsWithin(*results, g, itemCount) || g.GetFlag(verdict) != results->conflicts.empty()))
+    if (g.GetFlag(GrammarFlag::AnalysedOPR) && ws.opr.synta.RelationCodes() != codes) {
+        g.SetFlag(GrammarFlag::AnalysedOPR, false);
+        kept.oprPossible = p.precedence.oprPossible;
+        kept.oprSetsDone = p.precedence.oprSetsDone;
+        kept.oprSetsValid = p.precedence.oprSetsValid;
+        kept.oprTableBuilt = p.precedence.oprTableBuilt;
+        kept.oprText = p.precedence.oprText;
+        g.leftTermSet.clear();
+        g.rightTermSet.clear();
+    }
+    for (const auto& [results, flag] : {std::pair{&ws.spr, GrammarFlag::AnalysedSPR}, {&ws.opr, GrammarFlag::AnalysedOPR}})
+        if (!g.GetFlag(flag))
+            results->synta.Clear();
+    if (g.GetFlag(GrammarFlag::AnalysedSPR)) {
+        Ana10SPR spr(reference);
+        spr.SetInProcess(true);
+        spr.Analyze();
+    }
+    if (g.GetFlag(GrammarFlag::AnalysedOPR) || (kept.oprSetsDone && !p.precedence.oprSetsDone)) {
+        Ana11OPR opr(reference);
+        opr.SetInProcess(true);
+        opr.Analyze();
+    }
+    for (int flag : {GrammarFlag::AnalysedSPR, GrammarFlag::AnalysedOPR})
+        if (g.GetFlag(flag) != p.GetFlag(flag))
             return false;
+    if (stepRan) {
+        if (!SamePrecedenceFlags(kept, p.precedence) || !TakeText(kept.sprText, p.precedence.sprText)
+            || !TakeText(kept.oprText, p.precedence.oprText) || g.leftSet != p.leftSet || g.rightSet != p.rightSet
+            || g.leftTermSet != p.leftTermSet || g.rightTermSet != p.rightTermSet)
+            return false;
+        if (!SameMatrix(ws.spr.synta, reference.spr.synta) || !SameMatrix(ws.opr.synta, reference.opr.synta))
+            return false;
+    } else if (g.GetFlag(GrammarFlag::AnalysedSPR) || g.GetFlag(GrammarFlag::AnalysedOPR) || !g.leftSet.empty()
+               || !g.rightSet.empty() || !g.leftTermSet.empty() || !g.rightTermSet.empty()) {
+        return false;
+    }
+
+    // LL(1): the table and its verdict; the listing is the one worked out.
+    if (g.GetFlag(GrammarFlag::AnalysedLL)) {
+        Ana06LL ll(reference);
+        ll.SetInProcess(true);
+        ll.Analyze();
+        if (!p.GetFlag(GrammarFlag::AnalysedLL) || !(ws.ll.synta == reference.ll.synta))
+            return false;
+        ws.ll.text = reference.ll.text;
+    } else {
+        ws.ll.synta.Clear();
+        ws.ll.text = NotAnalyzed;
+    }
+    if (g.GetFlag(GrammarFlag::LLPermitted) != p.GetFlag(GrammarFlag::LLPermitted))
+        return false;
+
+    // The LR tables, and the verdict of each: that it has no conflict.
+    const LrGrammar lg(p);
+    const std::tuple<LrResults*, ConflictMethod, int, int> lrs[] = {
+        {&ws.slr, ConflictMethod::SLR, GrammarFlag::AnalysedSLR, GrammarFlag::SLRVerdict},
+        {&ws.lalr, ConflictMethod::LALR, GrammarFlag::AnalysedLALR, GrammarFlag::LALRVerdict},
+        {&ws.lr, ConflictMethod::LR, GrammarFlag::AnalysedLR, GrammarFlag::LRVerdict}};
+    for (const auto& [results, method, flag, verdict] : lrs) {
+        if (!g.GetFlag(flag)) {
+            const SavedStatus saved = results->saved;
+            results->Reset();
+            results->saved = saved;
+            if (g.GetFlag(verdict))
+                return false;
+            continue;
+        }
+        for (const Conflict& c : results->conflicts)
+            if (c.row < 0)
+                return false;  // a line of another shape
+        if (g.GetFlag(verdict) != results->conflicts.empty() || !LrTableHolds(*results, lg, method, p.followR))
+            return false;
+        // Both listings are built from the tables when first shown.
+        results->tableText.clear();
+        results->itemText.clear();
+    }
+
+    // The sets as the analysis run leaves them; the reports are built from them when first shown.
+    g.followB = p.followB;
+    g.followL = p.followL;
+    g.followR = p.followR;
+    for (int flag : {GrammarFlag::FollowBDone, GrammarFlag::FollowLDone, GrammarFlag::FollowRDone})
+        g.SetFlag(flag, true);
+    if (!stepRan) {
+        g.precedence = p.precedence;
+        g.leftSet = p.leftSet;
+        g.rightSet = p.rightSet;
+    }
+    g.symbolListing = p.symbolListing;
+    g.firstReport.clear();
+    g.followBReport.clear();
+    g.followLReport.clear();
+    g.followRReport.clear();
     return true;
 }
 
@@ -138,10 +197,14 @@ bool AnalysesWithin(Workspace& ws, const Grammar& parsed)
 
 bool CheckRestoredState(Workspace& workspace, const QString& text)
 {
-    Grammar parsed;  // a silent host: the caller's own parse shows any message
-    if (parsed.SetText(text) && SameParse(workspace.grammar, parsed) && AnalysesWithin(workspace, parsed))
+    Model reference;  // a silent host: the caller's own parse shows any message
+    const bool sameText = reference.grammar.SetText(text) && SameParse(workspace.grammar, reference.grammar);
+    if (sameText && AnalysesHold(workspace, reference))
         return true;
     workspace.grammar.Clear();
     workspace.ResetResults();
+    // A companion of another text is no error: the grammar was edited elsewhere.
+    if (sameText)
+        ReportFileError(workspace, FileErrorNumber::SubscriptOutOfRange, QStringLiteral("TKCRead"));
     return false;
 }

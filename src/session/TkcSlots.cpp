@@ -239,17 +239,15 @@ struct Lookaheads {
     {
         const std::vector<StateLookaheads>& states = field(w.ws);
         out.ArrayHeader(Tag::Variant, states.size(), 0);
+        std::vector<int> runs;
         for (const StateLookaheads& state : states) {
-            std::size_t count = 0;
-            for (const ItemLookahead& kept : state)
-                count += 2 + kept.terminals.size();
-            out.ArrayHeader(Tag::Int32, count, 0);
+            runs.clear();
             for (const ItemLookahead& kept : state) {
-                out.I32(kept.item);
-                out.I32(static_cast<qint32>(kept.terminals.size()));
-                for (int t : kept.terminals)
-                    out.I32(t);
+                runs.push_back(kept.item);
+                runs.push_back(static_cast<int>(kept.terminals.size()));
+                runs.insert(runs.end(), kept.terminals.begin(), kept.terminals.end());
             }
+            out.IntArray(runs, 0);
         }
     }
     void Read(TkcReader& in, Walk& w) const
@@ -273,7 +271,9 @@ struct Lookaheads {
 };
 
 /// A set array: a list of general values from 0 (by code or by rule), each an
-/// array of codes from 1, as set members are numbered.
+/// array of codes from 1, as set members are numbered. Integer arrays here and
+/// below are written in the narrowest integer type that holds them (bytes,
+/// 16-bit, 32-bit) and read in any of them.
 struct Sets {
     Field<std::vector<CodeList>> field;
     void Write(TkcWriter& out, Walk& w) const
@@ -301,8 +301,9 @@ struct Sets {
 };
 
 /// Slot 34: the LL(1) table, a rows x columns array of general values (first
-/// index fastest): a cell is an integer (0 empty, -1 ACC, -2 POP, or a rule),
-/// or for a conflict an array from 1 of every rule entered, in order.
+/// index fastest): a cell is an integer (0 empty, -1 ACC, -2 POP, or a rule;
+/// 16-bit when it fits), or for a conflict an array from 1 of every rule
+/// entered, in order.
 struct LLCells {
     void Write(TkcWriter& out, Walk& w) const
     {
@@ -318,7 +319,7 @@ struct LLCells {
                 if (table.IsConflict(row, column))
                     out.IntArray(table.Entries(row, column), 1);
                 else
-                    out.Int32(table.First(row, column));
+                    out.Integer(table.First(row, column));
             }
     }
     void Read(TkcReader& in, Walk& w) const
@@ -332,18 +333,17 @@ struct LLCells {
         for (int column = 0; column < columns; ++column)
             for (int row = 0; row < rows; ++row) {
                 const quint16 tag = in.U16();
-                if (tag == Tag::Int32) {
-                    table.Set(row, column, in.I32());
+                qint32 value = 0;
+                if (in.IntegerAfterTag(tag, value)) {
+                    table.Set(row, column, value);
                     continue;
                 }
-                if (tag != (Tag::Array | Tag::Int32))
-                    throw Failure{TypeMismatch};
-                const std::size_t count = in.Dimensions({1}, 4)[0];
-                if (count == 0)
+                const std::vector<int> entries = in.IntArrayAfterTag(tag, 1);
+                if (entries.empty())
                     throw Failure{SubscriptOutOfRange};
-                table.Set(row, column, in.I32());
-                for (std::size_t i = 1; i < count; ++i)
-                    table.Enter(row, column, in.I32());
+                table.Set(row, column, entries[0]);
+                for (std::size_t i = 1; i < entries.size(); ++i)
+                    table.Enter(row, column, entries[i]);
             }
     }
 };
@@ -356,12 +356,14 @@ struct Rows {
     {
         const std::vector<SparseRow>& rows = field(w.ws);
         out.ArrayHeader(Tag::Variant, rows.size(), 0);
+        std::vector<int> flat;
         for (const SparseRow& row : rows) {
-            out.ArrayHeader(Tag::Int32, row.size() * 2, 0);
+            flat.clear();
             for (const auto& [code, entry] : row) {
-                out.I32(code);
-                out.I32(entry);
+                flat.push_back(code);
+                flat.push_back(entry);
             }
+            out.IntArray(flat, 0);
         }
     }
     void Read(TkcReader& in, Walk& w) const
@@ -401,25 +403,21 @@ struct StateCount {
     }
 };
 
-/// How a text too long for a text value (more than 65535 bytes) is kept.
+/// How a text slot is kept.
 enum class TextUse {
     Exact,  ///< it must be kept as it is: too long is an error (Overflow), never cut
-    Remade, ///< the program makes it again: written as "", "build on demand"
+    Remade, ///< the program makes it again from the kept data: always written as ""
 };
 
 /// A text slot. Remade texts: the reports and LR listings are built from the
 /// kept data when first asked for, the grammar text by every Text() call; the
-/// symbol listing and the LL(1) listing are made again by CheckRestoredState.
+/// symbol listing and the LL(1) listing are made again by CheckRestoredState,
+/// which also puts aside whatever such a slot holds (files of earlier builds
+/// kept them).
 struct Text {
     Field<QString> field;
     TextUse use;
-    void Write(TkcWriter& out, Walk& w) const
-    {
-        const QString& text = field(w.ws);
-        // A UTF-16 unit takes at most three UTF-8 bytes: most texts need no measuring.
-        const bool fits = text.size() * 3 <= kMaxTextBytes || text.toUtf8().size() <= kMaxTextBytes;
-        out.Text(use == TextUse::Remade && !fits ? QString() : text);
-    }
+    void Write(TkcWriter& out, Walk& w) const { out.Text(use == TextUse::Remade ? QString() : field(w.ws)); }
     void Read(TkcReader& in, Walk& w) const { field(w.ws) = in.Text(); }
 };
 
@@ -428,9 +426,8 @@ struct Text {
 /// integer array, its cells as a byte array, row-major, as PrecedenceMatrix
 /// stores them), 2 and 3 the same for operator precedence, 4 the eight
 /// precedence flags (possible, sets done, sets valid, table built; simple then
-/// operator), 5 and 6 the two result texts. A result text too long for a text
-/// value is written "", and on reading its analysis counts as not run: a
-/// reopened grammar runs it again.
+/// operator), 5 and 6 the two result texts. The result text of a built matrix
+/// is written "": CheckRestoredState makes it again from the matrix.
 struct Precedence {
     static constexpr int kItems = 7;
     void Write(TkcWriter& out, Walk& w) const
@@ -450,8 +447,8 @@ struct Precedence {
         out.ArrayHeader(Tag::Bool, 8, 0);
         for (bool f : flags)
             out.BoolData(f);
-        for (const QString* text : {&p.sprText, &p.oprText})
-            out.Text(text->toUtf8().size() <= kMaxTextBytes ? *text : QString());
+        out.Text(p.sprTableBuilt ? QString() : p.sprText);
+        out.Text(p.oprTableBuilt ? QString() : p.oprText);
     }
     void Read(TkcReader& in, Walk& w) const
     {
@@ -460,12 +457,16 @@ struct Precedence {
         if (in.ArrayHeader(Tag::Variant, 0, 2) != kItems)
             throw Failure{SubscriptOutOfRange};
         for (PrecedenceResults* r : {&ws.spr, &ws.opr}) {
-            // Empty, or over every symbol (simple) / the end marker and the terminals (operator).
-            const int full = r == &ws.spr ? ws.grammar.lastCode + 1 : ws.grammar.terminalCount + 1;
+            // Empty, or over every symbol (simple) / the end marker and the terminals
+            // (operator). The counts are as read, unchecked: no arithmetic in int.
+            const qint64 full = r == &ws.spr ? qint64{ws.grammar.lastCode} + 1 : qint64{ws.grammar.terminalCount} + 1;
             const std::vector<int> head = in.IntArray(0);
-            if (head.size() != 4 || (head[0] != 0 && head[0] != full))
+            if (head.size() != 4 || head[0] < 0 || (head[0] != 0 && head[0] != full))
                 throw Failure{SubscriptOutOfRange};
             const std::size_t count = in.ArrayHeader(Tag::Byte, 0, 1);
+            // The cells come before the matrix is made, so that its size is one the file holds.
+            if (static_cast<quint64>(count) != quint64(head[0]) * quint64(head[0]))
+                throw Failure{SubscriptOutOfRange};
             const QByteArray raw = in.Bytes(static_cast<qsizetype>(count));
             r->synta.Reset(head[0], {head[1], head[2], head[3]});
             if (!r->synta.SetRawCells(std::vector<std::uint8_t>(raw.begin(), raw.end())))
@@ -479,15 +480,6 @@ struct Precedence {
             *f = in.BoolData();
         p.sprText = in.Text();
         p.oprText = in.Text();
-        // A listing that did not fit: the analysis runs again when asked for.
-        if (p.sprText.isEmpty() && p.sprTableBuilt) {
-            p.sprTableBuilt = false;
-            ws.grammar.SetFlag(GrammarFlag::AnalysedSPR, false);
-        }
-        if (p.oprText.isEmpty() && p.oprTableBuilt) {
-            p.oprTableBuilt = false;
-            ws.grammar.SetFlag(GrammarFlag::AnalysedOPR, false);
-        }
     }
 };
 

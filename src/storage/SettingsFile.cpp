@@ -107,15 +107,20 @@ public:
         return false;
     }
 
-    bool Single(const QString& key, float& value, int defaultValue) const
+    bool Single(const QString& key, float& value, int defaultValue, int most) const
     {
         const QString text = Text(key, QString::number(defaultValue));
-        const NumberCheck check = ConvertToSingle(text, value);
-        if (check == NumberCheck::Ok)
+        float read = 0;
+        NumberCheck check = ConvertToSingle(text, read);
+        if (check == NumberCheck::Ok && std::fabs(read) > float(most))
+            check = NumberCheck::OutOfRange;
+        if (check == NumberCheck::Ok) {
+            value = read;
             return true;
+        }
         Fail(key, text,
              check == NumberCheck::NotANumber ? QStringLiteral("which is not a number.")
-                                              : QStringLiteral("which is out of range for a single-precision number."));
+                                              : QStringLiteral("which is out of range (%1 to %2).").arg(-most).arg(most));
         return false;
     }
 
@@ -177,17 +182,21 @@ bool ReadSettings(const PINI& ini, Settings& settings, const QString& programFol
     const Reader r(ini, error);
     Settings s = settings;
     const Settings defaults;
-    if (!r.Integer(QStringLiteral("CellWidth"), defaults.cellWidth, INT32_MIN, INT32_MAX, s.cellWidth))
+    using namespace SettingRange;
+    if (!r.Integer(QStringLiteral("CellWidth"), defaults.cellWidth, kCellWidthLeast, kCellWidthMost, s.cellWidth))
         return false;
-    if (s.cellWidth < 3)
-        s.cellWidth = 3;
+    if (s.cellWidth < kCellWidthUsed)
+        s.cellWidth = kCellWidthUsed;
+    if (!r.Integer(QStringLiteral("MaxCycle"), defaults.maxCycle, kMaxCycleLeast, kMaxCycleMost, s.maxCycle))
+        return false;
 
+    // The flags keep the whole 32-bit range: 0 is off and any other value on
+    // (-1 is how Basic programs write "on"); nothing counts with them.
     struct IntKey {
         const char* key;
         int Settings::*field;
     };
     static const IntKey intKeys[] = {
-        {"MaxCycle", &Settings::maxCycle},
         {"GenerateRules", &Settings::generateRules},
         {"GenerateRuleReverse", &Settings::generateRuleReverse},
         {"GenerateComment", &Settings::generateComment},
@@ -231,7 +240,8 @@ bool ReadWindowPosition(const PINI& ini, Settings& settings, int defaultLeft, in
 {
     const Reader r(ini, error);
     float left = 0, top = 0;
-    if (!r.Single(QStringLiteral("Left"), left, defaultLeft) || !r.Single(QStringLiteral("Top"), top, defaultTop))
+    const int most = SettingRange::kPositionMost;
+    if (!r.Single(QStringLiteral("Left"), left, defaultLeft, most) || !r.Single(QStringLiteral("Top"), top, defaultTop, most))
         return false;
     settings.left = left;
     settings.top = top;

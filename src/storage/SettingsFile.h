@@ -40,8 +40,8 @@ NumberCheck ConvertToInteger(const QString& text, qint64 least, qint64 most, qin
 NumberCheck ConvertToSingle(const QString& text, float& value);
 
 /// Reads the keys of section "Main" that start-up reads, in its order, each
-/// with its default from Settings: "CellWidth" (raised to 3 when below),
-/// "MaxCycle", the six flags, "PSignLT", "PSignEQ", "PSignGT" (16-bit), "PUseQ"
+/// with its default from Settings: "CellWidth" (0..64, raised to 3 when
+/// below), "MaxCycle" (1..1000000), the six flags, "PSignLT", "PSignEQ", "PSignGT" (16-bit), "PUseQ"
 /// (which also sets quoteMark), "SyntaxType", "TokenType", "TokenPrefix",
 /// "InitDir" (default programFolder), "SaveDir" and "TKCDir" (default the
 /// normalised "InitDir"), "FilePath". Folders are normalised.
@@ -50,8 +50,8 @@ NumberCheck ConvertToSingle(const QString& text, float& value);
 /// and settings is left unchanged.
 bool ReadSettings(const PINI& ini, Settings& settings, const QString& programFolder, QString& error);
 
-/// Reads "Left" and "Top" as single-precision numbers, with the window's
-/// centring position as the defaults. Failure as for ReadSettings.
+/// Reads "Left" and "Top" as single-precision numbers within -100000..100000,
+/// with the window's centring position as the defaults. Failure as for ReadSettings.
 bool ReadWindowPosition(const PINI& ini, Settings& settings, int defaultLeft, int defaultTop, QString& error);
 
 /// Writes the settings back, as the main window does when it closes, in this

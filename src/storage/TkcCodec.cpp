@@ -3,6 +3,8 @@
 /// them with every count and bound checked before anything is allocated.
 #include "storage/TkcCodec.h"
 
+#include <cstdint>
+
 using namespace FileErrorNumber;
 using namespace Tkc;
 
@@ -57,9 +59,36 @@ void TkcWriter::ArrayHeader(quint16 elementTag, std::size_t count, qint32 lower)
 
 void TkcWriter::IntArray(const std::vector<int>& values, qint32 lower)
 {
-    ArrayHeader(Tag::Int32, values.size(), lower);
-    for (int v : values)
-        I32(v);
+    // Most tables of ours hold codes, rules and states well below 32768: the
+    // narrowest type halves or quarters the file.
+    int least = 0, most = 0;
+    for (int v : values) {
+        least = std::min(least, v);
+        most = std::max(most, v);
+    }
+    if (least >= 0 && most <= 0xFF) {
+        ArrayHeader(Tag::Byte, values.size(), lower);
+        for (int v : values)
+            bytes.append(static_cast<char>(v));
+    } else if (least >= INT16_MIN && most <= INT16_MAX) {
+        ArrayHeader(Tag::Int16, values.size(), lower);
+        for (int v : values)
+            U16(static_cast<quint16>(v));
+    } else {
+        ArrayHeader(Tag::Int32, values.size(), lower);
+        for (int v : values)
+            I32(v);
+    }
+}
+
+void TkcWriter::Integer(qint32 value)
+{
+    if (value >= INT16_MIN && value <= INT16_MAX) {
+        U16(Tag::Int16);
+        U16(static_cast<quint16>(value));
+    } else {
+        Int32(value);
+    }
 }
 
 // ---- Reading ----------------------------------------------------------------------
@@ -98,10 +127,42 @@ std::size_t TkcReader::ArrayHeader(quint16 elementTag, qint32 lower, int minElem
 
 std::vector<int> TkcReader::IntArray(qint32 lower)
 {
-    std::vector<int> values(ArrayHeader(Tag::Int32, lower, 4));
-    for (int& v : values)
-        v = I32();
+    return IntArrayAfterTag(U16(), lower);
+}
+
+std::vector<int> TkcReader::IntArrayAfterTag(quint16 tag, qint32 lower)
+{
+    const quint16 element = tag & ~Tag::Array;
+    const int size = element == Tag::Byte ? 1 : element == Tag::Int16 ? 2 : element == Tag::Int32 ? 4 : 0;
+    if (!(tag & Tag::Array) || size == 0)
+        throw Failure{TypeMismatch};
+    std::vector<int> values(Dimensions({lower}, size)[0]);
+    const auto* p = reinterpret_cast<const uchar*>(m_bytes.constData() + m_pos);
+    Need(static_cast<qsizetype>(values.size()) * size);
+    m_pos += static_cast<qsizetype>(values.size()) * size;
+    for (int& v : values) {
+        if (size == 1)
+            v = p[0];
+        else if (size == 2)
+            v = static_cast<qint16>(quint16(p[0] | (p[1] << 8)));
+        else
+            v = static_cast<qint32>(quint32(p[0]) | (quint32(p[1]) << 8) | (quint32(p[2]) << 16) | (quint32(p[3]) << 24));
+        p += size;
+    }
     return values;
+}
+
+bool TkcReader::IntegerAfterTag(quint16 tag, qint32& value)
+{
+    if (tag == Tag::Int32)
+        value = I32();
+    else if (tag == Tag::Int16)
+        value = static_cast<qint16>(U16());
+    else if (tag == Tag::Byte)
+        value = static_cast<uchar>(Bytes(1)[0]);
+    else
+        return false;
+    return true;
 }
 
 void TkcReader::SkipValue(int depth)

@@ -97,7 +97,11 @@ public:
         I32(value);
     }
     void ArrayHeader(quint16 elementTag, std::size_t count, qint32 lower);
+    /// An array of integers in the narrowest fixed type that holds every value:
+    /// bytes (0..255), 16-bit or 32-bit integers. Readers widen it again.
     void IntArray(const std::vector<int>& values, qint32 lower);
+    /// An integer as a 16-bit value when it fits, else as a 32-bit one.
+    void Integer(qint32 value);
 };
 
 /// Reads tagged values from bytes it does not own. Every read past the end
@@ -157,7 +161,13 @@ public:
     std::vector<std::size_t> Dimensions(std::initializer_list<qint32> lowers, int minElementBytes);
     /// A one-dimensional array of elementTag with the given lower bound; returns its count.
     std::size_t ArrayHeader(quint16 elementTag, qint32 lower, int minElementBytes);
+    /// A one-dimensional array of integers of any width (byte, 16-bit, 32-bit),
+    /// widened to int.
     std::vector<int> IntArray(qint32 lower);
+    /// The rest of an integer array whose tag has been read (see IntArray).
+    std::vector<int> IntArrayAfterTag(quint16 tag, qint32 lower);
+    /// An integer value of any width, its tag already read; false for another kind.
+    bool IntegerAfterTag(quint16 tag, qint32& value);
 
     /// Passes over one complete tagged value of any kind (reserved slots).
     void SkipValue(int depth = 0);

@@ -179,8 +179,9 @@ void TableGrid::ShowView(int view, int cellWidth)
     // Columns are "CellWidth" characters wide, widened (up to 14 characters) so
     // that the symbol heading each one can be read.
     const int charWidth = fontMetrics().horizontalAdvance(QLatin1Char('M'));
-    const int base = charWidth * std::max(cellWidth, 3) + 8;
-    const int widest = charWidth * 14 + 8;
+    // Held to the range the settings are read in, whatever the caller passes.
+    const int base = charWidth * std::clamp(cellWidth, SettingRange::kCellWidthUsed, SettingRange::kCellWidthMost) + 8;
+    const int widest = std::max(charWidth * 14 + 8, base);
     horizontalHeader()->setDefaultSectionSize(base);
     const QFontMetrics header(horizontalHeader()->font());
     for (int c = 0; c < m_model.columnCount(); ++c) {

@@ -141,11 +141,11 @@ TEST(CompiledGrammarFuzz, ChangedBytesGiveACleanLoadOrOneReport)
         UseEverything(ws, text);
         ASSERT_EQ(host.criticals, QStringList()) << "variant " << variant;
     }
-    // The variants reach every outcome: errors, states refused by the check, and
-    // states kept (changes in texts and in values the check cannot tell from real ones).
-    EXPECT_GT(reported, 100);
-    EXPECT_GT(discarded, 100);
-    EXPECT_GT(kept, 100);
+    // The variants reach every outcome: errors, states of another text, and
+    // states kept (changes in texts the program makes again, or in status texts).
+    EXPECT_GT(reported, 1000);
+    EXPECT_GT(discarded, 50);
+    EXPECT_GT(kept, 10);
 }
 
 } // namespace

@@ -109,6 +109,56 @@ TEST(Settings, NothingIsTakenFromARefusedFile)
     EXPECT_EQ(s.cellWidth, 42);
 }
 
+TEST(Settings, NumbersOutsideTheirKeysRangeAreRefusedWithTheRange)
+{
+    // Each key at both ends of its range is read; one step beyond is refused.
+    struct Case {
+        const char* line;
+        const char* why;  // "" when the value is read
+    };
+    const Case cases[] = {
+        {"CellWidth=64", ""},
+        {"CellWidth=0", ""},
+        {"CellWidth=65", "out of range (0 to 64)"},
+        {"CellWidth=2147483647", "out of range (0 to 64)"},
+        {"CellWidth=1e8", "out of range (0 to 64)"},
+        {"CellWidth=-1", "out of range (0 to 64)"},
+        {"MaxCycle=1", ""},
+        {"MaxCycle=1000000", ""},
+        {"MaxCycle=0", "out of range (1 to 1000000)"},
+        {"MaxCycle=1000001", "out of range (1 to 1000000)"},
+        {"GenerateRules=-2147483648", ""},
+        {"Left=-100000", ""},
+        {"Top=100000", ""},
+        {"Left=100000.5", "out of range (-100000 to 100000)"},
+        {"Top=-1e9", "out of range (-100000 to 100000)"},
+        {"Top=1e40", "out of range (-100000 to 100000)"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.line);
+        const QString path = ScratchIni(QStringLiteral("settings-range"), QByteArray("[Main]\r\n") + c.line + "\r\n");
+        Settings s;
+        QString error;
+        const bool read = ReadSettings(Ini(path), s, kProgram, error) && ReadWindowPosition(Ini(path), s, 0, 0, error);
+        if (*c.why == 0) {
+            EXPECT_TRUE(read) << error.toStdString();
+            continue;
+        }
+        const QString line = QString::fromLatin1(c.line);
+        const qsizetype equals = line.indexOf(QLatin1Char('='));
+        EXPECT_FALSE(read);
+        EXPECT_EQ(error, QStringLiteral("Settings file %1: key \"%2\" in section \"Main\" holds \"%3\", which is %4.")
+                             .arg(QDir::toNativeSeparators(path), line.left(equals), line.mid(equals + 1),
+                                  QString::fromLatin1(c.why)));
+    }
+    // 0..2 are raised to the narrowest cell used.
+    const QString path = ScratchIni(QStringLiteral("settings-range"), "[Main]\r\nCellWidth=0\r\n");
+    Settings s;
+    QString error;
+    ASSERT_TRUE(ReadSettings(Ini(path), s, kProgram, error));
+    EXPECT_EQ(s.cellWidth, 3);
+}
+
 TEST(Settings, NumberConversion)
 {
     const std::pair<const char*, qint32> numbers[] = {
