@@ -72,19 +72,26 @@ bool PrecedenceAnalyser::Analyze()
         m.Add(tail, 0, GT);
 
     bool conflict = false;
-    m_method.text = ResultText(conflict);
+    QString text = ResultText(conflict);
+    if (!InProcess())
+        return false;
+    m_method.text = std::move(text);
     m_method.tableBuilt = true;  // kept and exportable even with conflicts
     m_method.possible = !conflict;
     g.SetFlag(m_method.analysedFlag, true);
     return !conflict;
 }
 
-QString PrecedenceAnalyser::ResultText(bool& conflict) const
+QString PrecedenceAnalyser::ResultText(bool& conflict)
 {
     const PrecedenceMatrix& matrix = m_method.results.synta;
     conflict = false;
     QString text;
     for (int i = 0; i < matrix.Size(); ++i) {
+        // The listing of a large matrix runs to tens of megabytes: Stop is heard between rows.
+        m_model.host().yield();
+        if (!InProcess())
+            return QString();
         for (int j = 0; j < matrix.Size(); ++j) {
             if (matrix.IsEmpty(i, j))
                 continue;

@@ -63,7 +63,7 @@ protected:
 private:
     /// One line "SYNTA[i,j]=codes" per non-empty cell, rows then columns in code
     /// order; the failure line first when a cell conflicts; CR LF after every line.
-    QString ResultText(bool& conflict) const;
+    QString ResultText(bool& conflict);
     /// The composite of header, RLEN and RSYM, the relation constants, START, the
     /// title and SYNTA over the codes 0..size-1. Raises the stored "CellWidth" to 4.
     void WriteRelationTable(TextSink& sink);

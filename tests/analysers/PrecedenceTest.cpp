@@ -300,3 +300,36 @@ TEST(Precedence, GeneratedParsersAgreeWithTheSimulation)
 }
 
 } // namespace
+
+TEST(Precedence, AStopAtAnyTurnOfTheAnalyserLeavesNoTableAndNoListing)
+{
+    // The turns include one per row of the listing, which on a large matrix takes
+    // longer than the table itself: a Stop there must not leave half a listing.
+    for (int view : {View::SPR, View::OPR}) {
+        long turns = 0;
+        int rules = 0;
+        for (long turn = 1;; ++turn) {
+            SCOPED_TRACE(turn);
+            RecordingHost host;
+            Workspace ws(&host);
+            RecordingFrontend fe(kGries);
+            ASSERT_TRUE(AnalyzeGrammar(ws, fe));
+            ws.grammar.FindLeftAndRightSets();
+            host.yields = 0;
+            host.stopAfter = turn;
+            host.stop = [&] { ws.current->SetInProcess(false); };
+            Analyse(ws, fe, view);
+            if (host.yields < turn) {
+                turns = turn - 1;
+                EXPECT_TRUE(IsAnalysed(ws, view));
+                break;
+            }
+            EXPECT_FALSE(IsAnalysed(ws, view));
+            EXPECT_EQ(fe.text2, NotAnalyzed);
+            EXPECT_EQ(MakeAnalyser(ws, view)->ExportDisplay(), NotAnalyzed);
+            rules = ws.grammar.ruleCount;
+        }
+        // More turns than rules: the listing's rows are among them.
+        EXPECT_GT(turns, rules + 1L) << view;
+    }
+}
