@@ -165,41 +165,7 @@ bool ParseSummaryOptions(const QStringList& args, SummaryOptions& options)
     return true;
 }
 
-/// The reason summary shows in its own column (and in "reason"): a precedence
-/// refusal's. The LL(1) refusal is told in the verdict itself.
-QString ReasonColumn(const MethodVerdict& v)
-{
-    return v.analysed || v.refusal == Refusal::LeftRecursion ? QString() : RefusalReason(v.refusal);
-}
-
-/// "LALR(1)" or "not LALR(1)", with the reason of an LL(1) refusal; "not analysed" without a verdict.
-QString VerdictText(const MethodVerdict& v)
-{
-    const QString method = QString::fromLatin1(ViewOf(v.view).method);
-    if (!v.HasVerdict())
-        return QStringLiteral("not analysed");
-    if (v.refusal == Refusal::LeftRecursion)
-        return QStringLiteral("not ") + method + QStringLiteral(": ") + RefusalReason(v.refusal);
-    return v.passes ? method : QStringLiteral("not ") + method;
-}
-
-/// One line of the summary: method, verdict, size and conflicts (or the reason of a refusal), time.
-QString SummaryLine(const MethodVerdict& v, qint64 ms)
-{
-    QString line = QString::fromLatin1(ViewOf(v.view).method).leftJustified(20) + VerdictText(v).leftJustified(28);
-    if (v.analysed) {
-        const QString size = ViewOf(v.view).lrResults ? QStringLiteral("%1 states").arg(v.states)
-                           : QStringLiteral("table %1x%2").arg(v.rows).arg(v.columns);
-        line += size.leftJustified(16) + QStringLiteral("%1 conflicts").arg(v.conflicts).leftJustified(16);
-    } else {
-        line += ReasonColumn(v).leftJustified(32);
-    }
-    line += ElapsedText(ms);
-    while (line.endsWith(QLatin1Char(' ')))
-        line.chop(1);
-    return line + QLatin1Char('\n');
-}
-
+/// The summary's JSON object of one method.
 QJsonObject SummaryJson(const MethodVerdict& v, qint64 ms)
 {
     QJsonObject o;
@@ -257,7 +223,7 @@ int CmdSummary(Workspace& workspace, const CliOptions&, const QStringList& args)
         if (info.number == options.required && !(verdict.analysed && verdict.passes))
             requiredPasses = false;
         methods.append(SummaryJson(verdict, ms));
-        lines += SummaryLine(verdict, ms);
+        lines += SummaryLine(verdict, ElapsedText(ms));
     }
     if (!Interrupt::BeginResult(Interrupt::Result::Text))
         return kExitStopped;

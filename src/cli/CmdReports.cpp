@@ -114,8 +114,7 @@ int CmdView(Workspace& workspace, const CliOptions&, const QStringList& args)
         WriteErr(QStringLiteral("trelk-cli: unknown view ") + args[1]);
         return kExitUsage;
     }
-    // What the output box shows after Analyse on the view (view 0 only readies
-    // the grammar and leaves it empty).
+    // What the output box shows after Analyse on the view (view 0: the numbered rules).
     QString text;
     const int status = RunView(workspace, args[0], view, text);
     if (status != kExitOk || !Interrupt::BeginResult(Interrupt::Result::Text))

@@ -86,17 +86,6 @@ QString TableSize(const MethodVerdict& v, bool column)
     return column ? QStringLiteral("%1 states").arg(v.states) : Plural(v.states, "state", "states");
 }
 
-/// "LALR(1)", "not LALR(1)" (with the reason of an LL(1) refusal), "not analysed".
-QString OverviewVerdict(const MethodVerdict& v)
-{
-    const QString method = QString::fromLatin1(ViewOf(v.view).method);
-    if (!v.HasVerdict())
-        return QStringLiteral("not analysed");
-    if (v.refusal == Refusal::LeftRecursion)
-        return QStringLiteral("not ") + method + QStringLiteral(": ") + RefusalReason(v.refusal);
-    return v.passes ? method : QStringLiteral("not ") + method;
-}
-
 } // namespace
 
 QString VerdictLine(const MethodVerdict& v)
@@ -116,26 +105,42 @@ QString VerdictLine(const MethodVerdict& v)
     return line;
 }
 
+QString VerdictText(const MethodVerdict& v)
+{
+    const QString method = QString::fromLatin1(ViewOf(v.view).method);
+    if (!v.HasVerdict())
+        return QStringLiteral("not analysed");
+    if (v.refusal == Refusal::LeftRecursion)
+        return QStringLiteral("not ") + method + QStringLiteral(": ") + RefusalReason(v.refusal);
+    return v.passes ? method : QStringLiteral("not ") + method;
+}
+
+QString ReasonColumn(const MethodVerdict& v)
+{
+    return v.analysed || v.refusal == Refusal::LeftRecursion ? QString() : RefusalReason(v.refusal);
+}
+
+QString SummaryLine(const MethodVerdict& v, const QString& elapsed)
+{
+    QString line = QString::fromLatin1(ViewOf(v.view).method).leftJustified(20) + VerdictText(v).leftJustified(28);
+    if (v.analysed)
+        line += TableSize(v, true).leftJustified(16) + QStringLiteral("%1 conflicts").arg(v.conflicts).leftJustified(16);
+    else
+        line += ReasonColumn(v).leftJustified(32);
+    line += elapsed;
+    while (line.endsWith(QLatin1Char(' ')))
+        line.chop(1);
+    return line + QLatin1Char('\n');
+}
+
 QString OverviewText(Model& model)
 {
     QString text;
     for (const ViewInfo& info : Views()) {
         if (!info.IsAnalyser())
             continue;
-        const MethodVerdict v = Judge(model, info.number);
-        QString line = QString::fromLatin1(info.method).leftJustified(20) + OverviewVerdict(v).leftJustified(28);
-        if (v.analysed)
-            line += TableSize(v, true).leftJustified(16)
-                  + QStringLiteral("%1 conflicts").arg(v.conflicts).leftJustified(16);
-        else if (v.refusal != Refusal::LeftRecursion)
-            line += RefusalReason(v.refusal).leftJustified(32);
-        else
-            line += QString().leftJustified(32);
-        if (const SavedStatus* saved = SavedStatusOf(model, info.number))
-            line += saved->elapsed;
-        while (line.endsWith(QLatin1Char(' ')))
-            line.chop(1);
-        text += line + QLatin1Char('\n');
+        const SavedStatus* saved = SavedStatusOf(model, info.number);
+        text += SummaryLine(Judge(model, info.number), saved ? saved->elapsed : QString());
     }
     return text;
 }

@@ -45,6 +45,16 @@ MethodVerdict Judge(const Model& model, int view);
 /// "" for a method without a verdict.
 QString VerdictLine(const MethodVerdict& verdict);
 
+/// "LALR(1)" or "not LALR(1)", with the reason of an LL(1) refusal; "not analysed" without a verdict.
+QString VerdictText(const MethodVerdict& verdict);
+
+/// The reason column of a refusal that the verdict text does not already name.
+QString ReasonColumn(const MethodVerdict& verdict);
+
+/// One line of the six-method overview, with its LF: method, verdict, size and
+/// conflicts (or the reason of a refusal), then the elapsed text.
+QString SummaryLine(const MethodVerdict& verdict, const QString& elapsed);
+
 /// The overview of the six methods, one line each, in the columns of
 /// trelk-cli summary: method, verdict, size and conflicts (or the reason of a
 /// refusal), and the elapsed text a run has kept for the method.
