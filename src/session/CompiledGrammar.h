@@ -18,5 +18,7 @@ class Workspace;
 
 /// The error report of a failed file operation: "Error encountered: " number,
 /// CR LF, description, CR LF, "Source: " source, CR LF. Kept in the workspace's
-/// lastFileError and shown through the host's critical message.
-void ReportFileError(Workspace& workspace, int number, const QString& source);
+/// lastFileError and shown through the host's critical message. A detail (the
+/// file and the system's reason, "Cannot write PATH: REASON") follows the
+/// description after ": ", so the user learns which file failed and why.
+void ReportFileError(Workspace& workspace, int number, const QString& source, const QString& detail = QString());

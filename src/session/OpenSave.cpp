@@ -47,7 +47,7 @@ bool GrammarSaveAs(Workspace& workspace, const QString& targetPath, const QStrin
     const bool companionWritten = TKCSave(workspace, CompanionPath(targetPath), targetPath, grammar.Name());
     QString error;
     if (!WriteTextFile(targetPath, editorText, error)) {
-        ReportFileError(workspace, FileErrorNumber::FileAccess, QStringLiteral("GrammarSaveAs"));
+        ReportFileError(workspace, FileErrorNumber::FileAccess, QStringLiteral("GrammarSaveAs"), error);
         return false;
     }
     return companionWritten;

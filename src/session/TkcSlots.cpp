@@ -596,16 +596,16 @@ bool TKCSave(Workspace& workspace, const QString& path, const QString& grammarPa
 {
     QFile::remove(path);  // no file to delete is no failure
     Walk walk{workspace, grammarName, grammarPath};
+    QString error;
     try {
         TkcWriter out;
         out.bytes.reserve(1 << 16);
         for (const Slot& slot : kSlots)
             std::visit([&](const auto& binding) { binding.Write(out, walk); }, slot.binding);
-        QString error;
         if (!WriteWholeFile(path, out.bytes, error))
             throw Failure{FileAccess};
     } catch (const Failure& failure) {
-        ReportFileError(workspace, failure.number, QStringLiteral("TKCSave"));
+        ReportFileError(workspace, failure.number, QStringLiteral("TKCSave"), error);
         return false;
     }
     return true;
@@ -617,20 +617,25 @@ TkcReadResult TKCRead(Workspace& workspace, const QString& path, QString& gramma
         return TkcReadResult::Missing;
     Walk walk{workspace, QString(), QString()};
     TkcReadResult result = TkcReadResult::Restored;
+    QString readError;  // the file and the system's reason when the file itself fails
     try {
         QFile file(path);
-        if (!file.open(QIODevice::ReadOnly))
+        if (!file.open(QIODevice::ReadOnly)) {
+            readError = QStringLiteral("Cannot read ") + path + QStringLiteral(": ") + file.errorString();
             throw Failure{FileAccess};
+        }
         const QByteArray bytes = file.readAll();
-        if (file.error() != QFileDevice::NoError)
+        if (file.error() != QFileDevice::NoError) {
+            readError = QStringLiteral("Cannot read ") + path + QStringLiteral(": ") + file.errorString();
             throw Failure{FileAccess};
+        }
         TkcReader in(bytes);
         for (const Slot& slot : kSlots)
             std::visit([&](const auto& binding) { binding.Read(in, walk); }, slot.binding);
     } catch (const ForeignFile&) {
         return TkcReadResult::Foreign;
     } catch (const Failure& failure) {
-        ReportFileError(workspace, failure.number, QStringLiteral("TKCRead"));
+        ReportFileError(workspace, failure.number, QStringLiteral("TKCRead"), readError);
         result = TkcReadResult::Failed;
     }
     // The file keeps only the refused reduces; what each cell kept is in the rows.

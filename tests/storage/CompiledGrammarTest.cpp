@@ -627,8 +627,10 @@ TEST(CompiledGrammar, FailedSaveLeavesTheOldTextWhole)
 
     EXPECT_FALSE(saved);
     EXPECT_EQ(host.criticals,
-              (QStringList{QStringLiteral("Error encountered: 75\r\nPath/File access error\r\nSource: TKCSave\r\n"),
-                           QStringLiteral("Error encountered: 75\r\nPath/File access error\r\nSource: GrammarSaveAs\r\n")}));
+              (QStringList{QStringLiteral("Error encountered: 75\r\nPath/File access error: Cannot write ") + dir
+                               + QStringLiteral("/g.tkc: File too large\r\nSource: TKCSave\r\n"),
+                           QStringLiteral("Error encountered: 75\r\nPath/File access error: Cannot write ") + grammarFile
+                               + QStringLiteral(": File too large\r\nSource: GrammarSaveAs\r\n")}));
     EXPECT_EQ(FileBytes(grammarFile), oldText);
     // The old companion was deleted before the write, and no half-written file stands in its place.
     EXPECT_EQ(QDir(dir).entryList(QDir::Files), QStringList{QStringLiteral("g.tkg")});
@@ -638,7 +640,9 @@ TEST(CompiledGrammar, FailedSaveLeavesTheOldTextWhole)
     ASSERT_TRUE(QDir().mkpath(folder));
     host.criticals.clear();
     EXPECT_FALSE(GrammarSaveAs(ws, folder, SampleText()));
-    EXPECT_EQ(host.criticals.size(), 1);
+    ASSERT_EQ(host.criticals.size(), 1);
+    EXPECT_TRUE(host.criticals[0].contains(QStringLiteral(": Cannot write ") + folder + QStringLiteral(": ")))
+        << host.criticals[0].toStdString();
     EXPECT_TRUE(QFileInfo(folder).isDir());
     EXPECT_EQ(FileBytes(grammarFile), oldText);
 }
