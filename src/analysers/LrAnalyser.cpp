@@ -5,6 +5,7 @@
 #include "output/CTables.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <unordered_map>
 
 bool LrAnalyser::Analyze()
@@ -110,6 +111,33 @@ QString LrAnalyser::ItemDisplay()
     return m_results.itemText;
 }
 
+namespace {
+
+int Digits(int n)
+{
+    int digits = 1;
+    for (; n >= 10; n /= 10)
+        ++digits;
+    return digits;
+}
+
+/// Writes n (not negative) at out, returns the position after it.
+QChar* PutNumber(QChar* out, int n)
+{
+    const int digits = Digits(n);
+    for (int i = digits - 1; i >= 0; --i, n /= 10)
+        out[i] = QChar(u'0' + n % 10);
+    return out + digits;
+}
+
+QChar* PutText(QChar* out, QStringView text)
+{
+    std::copy(text.begin(), text.end(), out);
+    return out + text.size();
+}
+
+} // namespace
+
 QString LrAnalyser::BuildTableText() const
 {
     const Grammar& g = m_model.grammar;
@@ -120,22 +148,33 @@ QString LrAnalyser::BuildTableText() const
     for (int c = 0; c <= g.lastCode; ++c)
         printed[c] = QStringLiteral("    ") + g.GetSymbolS(c).leftJustified(width)
                                              + QLatin1Char(' ');
+    static constexpr QStringView kState = u"State ", kAccept = u"accept", kReduce = u"reduce ",
+                                 kGoto = u"goto ", kShift = u"shift ", kLineEnd = u"\r\n";
+    // The listing of a large automaton runs to hundreds of megabytes: it is
+    // measured first and written once into its place, with no growing copies.
+    auto action = [&](int c, int cell) {
+        return cell == accept ? kAccept : cell < 0 ? kReduce : g.IsNonterminal(c) ? kGoto : kShift;
+    };
+    qsizetype size = 0;
+    for (std::size_t s = 0; s < rows.size(); ++s) {
+        size += kState.size() + Digits(static_cast<int>(s)) + kLineEnd.size();
+        for (const auto& [c, cell] : rows[s])
+            size += printed[c].size() + action(c, cell).size() + (cell == accept ? 0 : Digits(std::abs(cell)))
+                  + kLineEnd.size();
+    }
     QString text;
     if (!m_results.conflicts.empty())
         text += QString::fromLatin1(m_kind.verdict) + kEol;
+    const qsizetype head = text.size();
+    text.resize(head + size);
+    QChar* out = text.data() + head;
     for (std::size_t s = 0; s < rows.size(); ++s) {
-        text += QStringLiteral("State ") + QString::number(s) + kEol;
+        out = PutText(PutNumber(PutText(out, kState), static_cast<int>(s)), kLineEnd);
         for (const auto& [c, cell] : rows[s]) {
-            text += printed[c];
-            if (cell == accept)
-                text += QStringLiteral("accept");
-            else if (cell < 0)
-                text += QStringLiteral("reduce ") + QString::number(-cell);
-            else if (g.IsNonterminal(c))
-                text += QStringLiteral("goto ") + QString::number(cell);
-            else
-                text += QStringLiteral("shift ") + QString::number(cell);
-            text += kEol;
+            out = PutText(PutText(out, printed[c]), action(c, cell));
+            if (cell != accept)
+                out = PutNumber(out, std::abs(cell));
+            out = PutText(out, kLineEnd);
         }
     }
     for (const Conflict& conflict : m_results.conflicts)
