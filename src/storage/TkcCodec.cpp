@@ -66,18 +66,17 @@ void TkcWriter::IntArray(const std::vector<int>& values, qint32 lower)
         least = std::min(least, v);
         most = std::max(most, v);
     }
-    if (least >= 0 && most <= 0xFF) {
-        ArrayHeader(Tag::Byte, values.size(), lower);
-        for (int v : values)
-            bytes.append(static_cast<char>(v));
-    } else if (least >= INT16_MIN && most <= INT16_MAX) {
-        ArrayHeader(Tag::Int16, values.size(), lower);
-        for (int v : values)
-            U16(static_cast<quint16>(v));
-    } else {
-        ArrayHeader(Tag::Int32, values.size(), lower);
-        for (int v : values)
-            I32(v);
+    const int width = least >= 0 && most <= 0xFF ? 1 : least >= INT16_MIN && most <= INT16_MAX ? 2 : 4;
+    ArrayHeader(width == 1 ? Tag::Byte : width == 2 ? Tag::Int16 : Tag::Int32, values.size(), lower);
+    // The elements go straight into their place, little-endian: the arrays of a
+    // large automaton hold tens of millions of them.
+    const qsizetype start = bytes.size();
+    bytes.resize(start + static_cast<qsizetype>(values.size()) * width);
+    char* out = bytes.data() + start;
+    for (int v : values) {
+        const quint32 u = static_cast<quint32>(v);
+        for (int i = 0; i < width; ++i)
+            *out++ = char((u >> (8 * i)) & 0xFF);
     }
 }
 

@@ -69,14 +69,14 @@ public:
 
     void U16(quint16 v)
     {
-        bytes.append(char(v & 0xFF));
-        bytes.append(char(v >> 8));
+        const char le[2] = {char(v & 0xFF), char(v >> 8)};
+        bytes.append(le, 2);
     }
     void I32(qint32 v)
     {
         const quint32 u = static_cast<quint32>(v);
-        for (int shift = 0; shift < 32; shift += 8)
-            bytes.append(char((u >> shift) & 0xFF));
+        const char le[4] = {char(u & 0xFF), char((u >> 8) & 0xFF), char((u >> 16) & 0xFF), char(u >> 24)};
+        bytes.append(le, 4);
     }
     /// Text data: the byte count and the UTF-8 bytes. Never cut: too long is an error.
     void TextData(const QString& text);
