@@ -20,6 +20,10 @@ bool Ana09LR::Build(const LrGrammar& lg, PassFrame& frame, ReduceList& reduces)
     m_results.lookaheads.assign(states, {});
     Lr1Closure closure(lg);
     for (std::size_t s = 0; s < states; ++s) {
+        // A closure per state over tens of thousands of states: Stop is heard between them.
+        m_model.host().yield();
+        if (!InProcess())
+            return false;
         const std::vector<int>& kernel = automaton.kernels[s];
         const std::vector<TerminalSet>& kernelLa = automaton.lookaheads[s];
         StateLookaheads& kept = m_results.lookaheads[s];

@@ -53,13 +53,15 @@ void Ana11OPR::GetLRSets()
     auto close = [&](std::vector<CodeList>& termSets, const std::vector<CodeList>& through) {
         for (bool added = true; added;) {
             added = false;
-            for (int a = g.firstNonterminal; a <= g.lastCode; ++a)
+            // A pass over hundreds of nested levels takes a while: Stop is heard per non-terminal.
+            for (int a = g.firstNonterminal; a <= g.lastCode; ++a) {
                 for (int b : through[a])
                     if (g.IsNonterminal(b) && b != a)
                         added |= termSets[a].Merge(termSets[b]);
-            m_model.host().yield();
-            if (!InProcess())
-                return false;
+                m_model.host().yield();
+                if (!InProcess())
+                    return false;
+            }
         }
         return true;
     };

@@ -133,12 +133,16 @@ struct IncludesAndLookback {
 /// (p', B) includes (p, A) iff A -> beta B gamma, gamma derives the empty string,
 /// and p --beta--> p'; (q, A -> omega) lookback (p, A) iff p --omega--> q.
 /// Walking every rule of A from p gives both. [DeRemer & Pennello 1982, section 4.]
-IncludesAndLookback FindIncludesAndLookback(const LrGrammar& lg, const Lr0Automaton& a, const Transitions& tr)
+/// False when stopped.
+bool FindIncludesAndLookback(const LrGrammar& lg, const Lr0Automaton& a, const Transitions& tr,
+                             IncludesAndLookback& relations, Turn turn)
 {
     const Grammar& g = lg.g;
     const LrItems& items = lg.items;
-    IncludesAndLookback relations{Relation(tr.Count()), Lookback(g.ruleCount)};
+    relations = IncludesAndLookback{Relation(tr.Count()), Lookback(g.ruleCount)};
     for (int x = 0; x < tr.Count(); ++x) {
+        if (!turn())
+            return false;
         const int p = tr.from[x];
         for (int r : items.RulesOf(tr.symbol[x])) {
             int q = p;
@@ -152,7 +156,7 @@ IncludesAndLookback FindIncludesAndLookback(const LrGrammar& lg, const Lr0Automa
             relations.lookback.Add(q, r, x);
         }
     }
-    return relations;
+    return true;
 }
 
 /// Follow(p, A) = Read(p, A) ∪ ⋃{ Follow(p', B) | (p, A) includes (p', B) }, by
@@ -164,13 +168,15 @@ bool Follow(const Relation& includes, Indexed<TerminalSet>& sets, Turn turn)
 }
 
 /// LA(q, A -> omega) = ⋃{ Follow(p, A) | (q, A -> omega) lookback (p, A) }, for
-/// every complete item of every state. [DeRemer & Pennello 1982, LA.]
-ReduceLookaheads LookaheadsFromLookback(const LrGrammar& lg, const Lr0Automaton& a, const Lookback& lookback,
-                                        const Indexed<TerminalSet>& follow)
+/// every complete item of every state. [DeRemer & Pennello 1982, LA.] False when stopped.
+bool LookaheadsFromLookback(const LrGrammar& lg, const Lr0Automaton& a, const Lookback& lookback,
+                            const Indexed<TerminalSet>& follow, ReduceLookaheads& result, Turn turn)
 {
     const int states = a.kernels.size();
-    ReduceLookaheads result(states);
+    result = ReduceLookaheads(states);
     for (int q = 0; q < states; ++q) {
+        if (!turn())
+            return false;
         for (int item : lg.CompleteItems(a.kernels[q])) {
             const int r = lg.items.Rule(item);
             TerminalSet la(lg.g.terminalCount);
@@ -180,7 +186,7 @@ ReduceLookaheads LookaheadsFromLookback(const LrGrammar& lg, const Lr0Automaton&
             result[q].emplace_back(r, std::move(la));
         }
     }
-    return result;
+    return true;
 }
 
 } // namespace
@@ -193,9 +199,8 @@ bool ComputeLalrLookaheads(const LrGrammar& lg, const Lr0Automaton& a, Model& mo
     Indexed<TerminalSet> sets = DirectReads(lg.g, a, transitions);
     if (!Reads(lg.g, a, transitions, sets, turn))
         return false;
-    const IncludesAndLookback relations = FindIncludesAndLookback(lg, a, transitions);
-    if (!Follow(relations.includes, sets, turn))
+    IncludesAndLookback relations{Relation(), Lookback(lg.g.ruleCount)};
+    if (!FindIncludesAndLookback(lg, a, transitions, relations, turn) || !Follow(relations.includes, sets, turn))
         return false;
-    result = LookaheadsFromLookback(lg, a, relations.lookback, sets);
-    return true;
+    return LookaheadsFromLookback(lg, a, relations.lookback, sets, result, turn);
 }

@@ -45,6 +45,14 @@ bool LrAnalyser::Analyze()
     std::vector<int> touched;
     // Reduces are written from state 0 on: empty rules reduce in the start state too.
     for (int s = 0; s <= last; ++s) {
+        // Writing the reduces of a large automaton takes a while of its own: Stop is heard here too.
+        m_model.host().yield();
+        if (!InProcess()) {
+            g.SetFlag(m_kind.analysedFlag, false);
+            m_results.Reset();
+            m_results.saved = saved;
+            return false;
+        }
         SparseRow& row = rows[s];
         touched.clear();
         for (const auto& [c, v] : row) {

@@ -147,29 +147,38 @@ TEST(Lr, StopEndsTheRunWithAnEmptyOutput)
     EXPECT_NE(s.ws.Status(StatusField::Elapsed), QString());
 }
 
-TEST(Lr, StopAtAnyTurnOfTheLalrRunLeavesNoTable)
+/// Stops a run of analyser A at each turn it gives the message loop in turn:
+/// every one of them must end the run without a table.
+template <class A>
+void StopAtEveryTurn(int analysed, LrResults Workspace::*results)
 {
-    // The LR(0) passes give the message loop a turn between passes, the two
-    // look-ahead walks once per transition; Stop at any of them ends the run.
     Ready full(kExpr);
     full.host.yields = 0;
     full.host.statuses.clear();
-    ASSERT_TRUE(Analysed<Ana08LALR>(full.ws));
+    ASSERT_TRUE(Analysed<A>(full.ws));
     const long turns = full.host.yields;
     const long passes = std::count_if(full.host.statuses.begin(), full.host.statuses.end(),
                                       [](const auto& status) { return status.first == StatusField::Pass; });
-    ASSERT_GT(turns, passes);  // the look-ahead walks turn the loop too
+    // Besides the passes: the look-ahead walks, the closures and the reduces turn the loop too.
+    ASSERT_GT(turns, passes + (full.ws.*results).States());
     for (long k = 1; k <= turns; ++k) {
         Ready s(kExpr);
-        Ana08LALR lalr(s.ws);
-        lalr.SetInProcess(true);
+        A analyser(s.ws);
+        analyser.SetInProcess(true);
         s.host.yields = 0;
         s.host.stopAfter = k;
-        s.host.stop = [&] { lalr.SetInProcess(false); };
-        EXPECT_FALSE(lalr.Analyze()) << "turn " << k;
-        EXPECT_FALSE(s.ws.grammar.GetFlag(GrammarFlag::AnalysedLALR)) << "turn " << k;
-        EXPECT_EQ(s.ws.lalr.States(), 0) << "turn " << k;
+        s.host.stop = [&] { analyser.SetInProcess(false); };
+        EXPECT_FALSE(analyser.Analyze()) << "turn " << k;
+        EXPECT_FALSE(s.ws.grammar.GetFlag(analysed)) << "turn " << k;
+        EXPECT_EQ((s.ws.*results).States(), 0) << "turn " << k;
     }
+}
+
+TEST(Lr, StopAtAnyTurnOfARunLeavesNoTable)
+{
+    StopAtEveryTurn<Ana07SLR>(GrammarFlag::AnalysedSLR, &Workspace::slr);
+    StopAtEveryTurn<Ana08LALR>(GrammarFlag::AnalysedLALR, &Workspace::lalr);
+    StopAtEveryTurn<Ana09LR>(GrammarFlag::AnalysedLR, &Workspace::lr);
 }
 
 // ---- LALR(1) against canonical LR(1) with same-core states merged ---------------
