@@ -442,7 +442,11 @@ Explanations ExplainConflicts(Workspace& workspace, int view, const ExplainOptio
 
 QString ExplanationText(const Grammar& g, const Explanations& ex)
 {
-    QString text = QStringLiteral("%1: %2 conflicts\n").arg(QString::fromLatin1(ViewOf(ex.view).method)).arg(ex.conflicts.size());
+    const std::size_t count = ex.conflicts.size();
+    QString text = QStringLiteral("%1: %2 conflict%3\n")
+                       .arg(QString::fromLatin1(ViewOf(ex.view).method))
+                       .arg(count)
+                       .arg(count == 1 ? QString() : QStringLiteral("s"));
     int n = 0;
     for (const ConflictExplanation& e : ex.conflicts) {
         text += QStringLiteral("\nConflict %1: ").arg(++n);
