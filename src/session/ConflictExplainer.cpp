@@ -182,18 +182,25 @@ public:
                 start.push_back(m_rules.Left(-c.kept));
             SearchBudget budget = Budget();
             TreeSearch search(m_rules, budget);
-            const int maxLeaves = std::min(16, 2 * m_maxRight + 2);
-            for (int root : Roots(m_rules, start, 6)) {
-                DerivationTree one, two;
-                if (search.FindAmbiguity(root, maxLeaves, accept, one, two)) {
-                    e.example.unifying = true;
-                    e.example.goalRooted = false;
-                    e.example.derivations = {one, two};
-                    Finish(m_rules, e.example);
-                    e.example.sentence = e.example.forms.front();
-                    return e;
+            // Short forms first over every root, so that one root whose forms
+            // multiply fast does not spend the budget of the others.
+            const std::vector<int> roots = Roots(m_rules, start, 6);
+            const int most = std::min(16, 2 * m_maxRight + 2);
+            for (int maxLeaves = std::min(5, most); !budget.Exhausted(); maxLeaves = std::min(most, 2 * maxLeaves)) {
+                for (int root : roots) {
+                    DerivationTree one, two;
+                    if (search.FindAmbiguity(root, maxLeaves, accept, one, two)) {
+                        e.example.unifying = true;
+                        e.example.goalRooted = false;
+                        e.example.derivations = {one, two};
+                        Finish(m_rules, e.example);
+                        e.example.sentence = e.example.forms.front();
+                        return e;
+                    }
+                    if (budget.Exhausted())
+                        break;
                 }
-                if (budget.Exhausted())
+                if (maxLeaves == most)
                     break;
             }
         }
@@ -223,7 +230,9 @@ public:
             e.example.goalRooted = true;
             e.example.derivations = {first, second};
             Finish(m_rules, e.example);
-            e.example.sentence = target;
+            // The two trees may happen to spell one form: a unifying example after all.
+            e.example.unifying = e.example.forms[0] == e.example.forms[1];
+            e.example.sentence = e.example.unifying ? e.example.forms[0] : target;
         }
         return e;
     }
