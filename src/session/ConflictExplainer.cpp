@@ -222,10 +222,13 @@ public:
                 return false;
             };
         };
-        auto any = [](const DerivationTree&) { return true; };
+        // The kept action's tree must not reduce the refused rule at the cut:
+        // else it would be the other action's tree as well.
+        auto keeps = [&](const DerivationTree& t) {
+            return (c.kept > 0 || reducesAtCut(-c.kept)(t)) && !reducesAtCut(reduced)(t);
+        };
         DerivationTree first, second;
-        const bool keptFound = c.kept < 0 ? search.FindWithPrefix(-2, target, a == 0, maxLeaves, reducesAtCut(-c.kept), first)
-                                          : search.FindWithPrefix(-2, target, a == 0, maxLeaves, any, first);
+        const bool keptFound = search.FindWithPrefix(-2, target, a == 0, maxLeaves, keeps, first);
         if (keptFound && search.FindWithPrefix(-2, target, a == 0, maxLeaves, reducesAtCut(reduced), second)) {
             e.example.goalRooted = true;
             e.example.derivations = {first, second};
