@@ -69,4 +69,6 @@ int CmdView(Workspace& workspace, const CliOptions& options, const QStringList& 
 int CmdSets(Workspace& workspace, const CliOptions& options, const QStringList& args);
 int CmdCompile(Workspace& workspace, const CliOptions& options, const QStringList& args);
 /// transform GRAMMAR CODE: writes GRAMMAR's name + "-CODE.tkg" and prints its path.
+/// explain GRAMMAR VIEW [--json] [--budget MS]: the conflicts of VIEW explained.
+int CmdExplain(Workspace& workspace, const CliOptions& options, const QStringList& args);
 int CmdTransform(Workspace& workspace, const CliOptions& options, const QStringList& args);

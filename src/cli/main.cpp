@@ -21,6 +21,9 @@ const char kUsage[] =
     "                       one line per method: verdict, size, conflicts, time\n"
     "  compile GRAMMAR      run every analysis, save GRAMMAR and its companion .tkc as\n"
     "                       the workbench saves them, print the companion's path\n"
+    "  explain GRAMMAR VIEW [--json] [--budget MS]\n"
+    "                       each conflict of analyser VIEW: its rules, a shortest way in\n"
+    "                       and a counterexample (MS: the search time of each, default 500)\n"
     "  transform GRAMMAR CODE\n"
     "                       write GRAMMAR-CODE.tkg beside GRAMMAR, print its path; CODE is\n"
     "                       GR RC RE LF LR UU (group rules, remove cycles, empty rules,\n"
@@ -83,6 +86,7 @@ int main(int argc, char** argv)
         {"summary", 1, 4, CmdSummary},
         {"compile", 1, 1, CmdCompile},
         {"transform", 2, 2, CmdTransform},
+        {"explain", 2, 5, CmdExplain},
     };
     for (const Command& c : commands) {
         if (command != QLatin1String(c.name))
