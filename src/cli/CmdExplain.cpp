@@ -18,6 +18,7 @@ int CmdExplain(Workspace& workspace, const CliOptions&, const QStringList& args)
     }
     bool json = false;
     ExplainOptions options;
+    options.compareStronger = true;
     for (qsizetype i = 2; i < args.size(); ++i) {
         bool ok = false;
         if (args[i] == QStringLiteral("--json")) {

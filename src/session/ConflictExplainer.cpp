@@ -2,6 +2,7 @@
 /// The conflict explanations.
 #include "session/ConflictExplainer.h"
 
+#include "session/AnalysisRun.h"
 #include "session/TableCells.h"
 #include "session/Views.h"
 
@@ -418,11 +419,91 @@ QJsonValue TreeJson(const Grammar& g, const DerivationTree& tree)
     return o;
 }
 
+namespace {
+
+/// Runs the analysis of a view for its kept results only: no listing, messages
+/// dropped (a stronger method that hits a limit is just left out), and every
+/// turn of the loop passed on, so Stop and Ctrl-C still reach the run.
+void AnalyseQuietly(Workspace& workspace, int view)
+{
+    class Quiet final : public Host, public AnalysisFrontend {
+    public:
+        explicit Quiet(Host& outer) : m_outer(outer) {}
+        void critical(const QString&) override {}
+        void information(const QString&) override {}
+        bool okCancel(const QString&) override { return false; }
+        void yield() override { m_outer.yield(); }
+        void status(StatusField, const QString&) override {}
+        QString GrammarText() override { return QString(); }
+        void SetText2(const QString&) override {}
+        bool WantsOutput() const override { return false; }
+    private:
+        Host& m_outer;
+    };
+    Host& outer = workspace.host();
+    Quiet quiet(outer);
+    workspace.setHost(&quiet);
+    Analyse(workspace, quiet, view);
+    workspace.setHost(&outer);
+}
+
+bool HasConflict(const LrResults& results, int state, int lookahead)
+{
+    return std::any_of(results.conflicts.begin(), results.conflicts.end(),
+                       [&](const Conflict& c) { return c.row == state && c.column == lookahead; });
+}
+
+std::vector<int> Core(std::vector<int> kernel)
+{
+    std::sort(kernel.begin(), kernel.end());
+    return kernel;
+}
+
+} // namespace
+
+QStringList StrongerMethodNotes(const Workspace& workspace, int view, int state, int lookahead)
+{
+    QStringList notes;
+    const Grammar& g = workspace.grammar;
+    if (view != View::SLR && view != View::LALR)
+        return notes;
+    const LrResults& own = view == View::SLR ? workspace.slr : workspace.lalr;
+    if (state < 0 || state >= own.kernels.size())
+        return notes;
+    if (view == View::SLR && IsAnalysed(workspace, View::LALR) && state < workspace.lalr.kernels.size()
+        && !HasConflict(workspace.lalr, state, lookahead))
+        notes << QStringLiteral("LALR(1) has no conflict here: %1 does not follow the reduced rule in this state.")
+                     .arg(g.GetSymbolS(lookahead));
+    if (IsAnalysed(workspace, View::LR)) {
+        const std::vector<int> core = Core(own.kernels[state]);
+        int split = 0, conflicting = 0;
+        for (int s = 0; s < workspace.lr.kernels.size(); ++s)
+            if (Core(workspace.lr.kernels[s]) == core) {
+                ++split;
+                conflicting += HasConflict(workspace.lr, s, lookahead);
+            }
+        if (split > 0 && conflicting == 0)
+            notes << (split == 1 ? QStringLiteral("Canonical LR(1) has no conflict here: its state with these items has none on %1.")
+                                       .arg(g.GetSymbolS(lookahead))
+                                 : QStringLiteral("Canonical LR(1) has no conflict here: it splits this state into %1, "
+                                                  "none of which conflicts on %2.")
+                                       .arg(QStringLiteral("%1 states").arg(split), g.GetSymbolS(lookahead)));
+    }
+    return notes;
+}
+
 Explanations ExplainConflicts(Workspace& workspace, int view, const ExplainOptions& options)
 {
     Explanations out;
     out.view = view;
     const ViewInfo& info = ViewOf(view);
+    if (options.compareStronger && (view == View::SLR || view == View::LALR)) {
+        for (int stronger : {View::LALR, View::LR})
+            if (stronger > view && !IsAnalysed(workspace, stronger))
+                AnalyseQuietly(workspace, stronger);
+        // The view's own analyser is the current one again, for Stop.
+        workspace.current = MakeAnalyser(workspace, view);
+    }
     if (workspace.current)
         workspace.current->SetInProcess(true);
     Explainer explainer(workspace, view, options);
@@ -433,6 +514,7 @@ Explanations ExplainConflicts(Workspace& workspace, int view, const ExplainOptio
             if (explainer.Stopped())
                 break;
             out.conflicts.push_back(explainer.Lr(lr, prefixes, c));
+            out.conflicts.back().notes = StrongerMethodNotes(workspace, view, c.row, c.column);
         }
     } else if (info.precedenceResults) {
         const PrecedenceMatrix& m = (workspace.*(info.precedenceResults)).synta;
@@ -471,6 +553,8 @@ QString ExplanationText(const Grammar& g, const Explanations& ex)
         text += QStringLiteral(", ") + KindText(e.conflict.kind) + QLatin1Char('\n');
         for (const QString& a : e.actions)
             text += QStringLiteral("  ") + a + QLatin1Char('\n');
+        for (const QString& note : e.notes)
+            text += QStringLiteral("  note: ") + note + QLatin1Char('\n');
         if (e.conflict.kind == ConflictKind::Relation)
             continue;
         text += (e.state >= 0 ? QStringLiteral("  prefix: ") : QStringLiteral("  leftmost form: ")) + Symbols(g, e.prefix) + QLatin1Char('\n');
@@ -506,6 +590,8 @@ QJsonObject ExplanationJson(const Grammar& g, const Explanations& ex)
             rules.append(r);
         o[QStringLiteral("rules")] = rules;
         o[QStringLiteral("prefix")] = SymbolArray(g, e.prefix);
+        if (!e.notes.isEmpty())
+            o[QStringLiteral("notes")] = QJsonArray::fromStringList(e.notes);
         if (e.conflict.kind != ConflictKind::Relation) {
             const Counterexample& c = e.example;
             QJsonObject ce;

@@ -17,6 +17,9 @@
 struct ExplainOptions {
     int budgetMs = 500;       ///< time for each search of each conflict
     int maxTrees = 200000;    ///< trees each search may build
+    /// SLR(1) and LALR(1): run the stronger LR methods first (quietly: a limit
+    /// they hit only leaves them out) to say which conflicts they do not have.
+    bool compareStronger = false;
 };
 
 struct Counterexample {
@@ -38,6 +41,8 @@ struct ConflictExplanation {
     std::vector<int> rules;
     std::vector<int> prefix;  ///< LR: a shortest viable prefix; LL(1): a leftmost form reaching the row
     Counterexample example;
+    /// SLR(1), LALR(1): whether a stronger LR method, when analysed, is free of this conflict.
+    QStringList notes;
 };
 
 struct Explanations {
@@ -49,6 +54,12 @@ struct Explanations {
 /// Explains every conflict of analyser view 6..11, which must have been analysed.
 /// Stop (the current analyser's InProcess cleared) ends the searches.
 Explanations ExplainConflicts(Workspace& workspace, int view, const ExplainOptions& options);
+
+/// The notes on an SLR(1) or LALR(1) conflict in state `state` on `lookahead`
+/// from the stronger methods whose results are kept: LALR(1) shares the LR(0)
+/// states of SLR(1); canonical LR(1) splits a state into the states of the
+/// same core.
+QStringList StrongerMethodNotes(const Workspace& workspace, int view, int state, int lookahead);
 
 /// "<E>=( <E> [+] [a] )": a tree on one line.
 QString TreeText(const Grammar& g, const DerivationTree& tree);

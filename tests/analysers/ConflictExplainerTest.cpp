@@ -4,6 +4,7 @@
 #include "session/AnalysisRun.h"
 #include "session/ConflictExplainer.h"
 #include "session/Views.h"
+#include "analysers/Ana08LALR.h"
 #include "support/GrammarSamples.h"
 #include "support/RecordingHost.h"
 #include "support/TestPaths.h"
@@ -75,11 +76,11 @@ struct Explained {
     Workspace ws{&host};
     Explanations ex;
 
-    Explained(const QString& text, int view, int budgetMs = 500)
+    Explained(const QString& text, int view, int budgetMs = 500, bool compareStronger = false)
     {
         RecordingFrontend fe{text};
         Analyse(ws, fe, view);
-        ex = ExplainConflicts(ws, view, ExplainOptions{budgetMs, 200000});
+        ex = ExplainConflicts(ws, view, ExplainOptions{budgetMs, 200000, compareStronger});
     }
 };
 
@@ -205,4 +206,38 @@ TEST(ConflictExplainer, EveryTreeOfCorpusGrammarsIsSound)
     }
     EXPECT_GT(found, 0);
     EXPECT_GT(unifying, 0);
+}
+
+TEST(ConflictExplainer, ConflictsAStrongerMethodDoesNotHaveAreMarked)
+{
+    // SLR(1) but not LALR(1)'s conflict: [=] follows <R> somewhere, not after <L> at the start.
+    const QString assignment = Lines({"<S>", "<S>=<L>[=]<R>", "<S>=<R>", "<L>=[*]<R>", "<L>=[id]", "<R>=<L>"});
+    // LALR(1) but not canonical LR(1)'s: two states of [c] merged into one.
+    const QString merged = Lines({"<S>", "<S>=[a]<A>[d]", "<S>=[b]<B>[d]", "<S>=[a]<B>[e]", "<S>=[b]<A>[e]",
+                                  "<A>=[c]", "<B>=[c]"});
+    const QString dangling = Lines({"<S>", "<S>=[if]<E>[then]<S>", "<S>=[if]<E>[then]<S>[else]<S>", "<S>=[x]", "<E>=[c]"});
+
+    Explained slr(assignment, View::SLR, 50, true);
+    ASSERT_EQ(slr.ex.conflicts.size(), 1u);
+    EXPECT_EQ(slr.ex.conflicts[0].notes,
+              (QStringList{QStringLiteral("LALR(1) has no conflict here: [=] does not follow the reduced rule in this state."),
+                           QStringLiteral("Canonical LR(1) has no conflict here: its state with these items has none on [=].")}));
+    // Without the comparison nothing is claimed.
+    EXPECT_EQ(Explained(assignment, View::SLR, 50).ex.conflicts[0].notes, QStringList());
+
+    Explained lalr(merged, View::LALR, 50, true);
+    ASSERT_EQ(lalr.ex.conflicts.size(), 2u);
+    for (const ConflictExplanation& e : lalr.ex.conflicts)
+        EXPECT_EQ(e.notes, QStringList{QStringLiteral("Canonical LR(1) has no conflict here: it splits this state into "
+                                                      "2 states, none of which conflicts on %1.")
+                                           .arg(lalr.ws.grammar.GetSymbolS(e.lookahead))});
+    // The stronger runs leave the view's own analyser current, so Stop still reaches the search.
+    EXPECT_NE(dynamic_cast<Ana08LALR*>(lalr.ws.current.get()), nullptr);
+
+    // A real ambiguity stays in every method: no note.
+    for (int view : {View::SLR, View::LALR}) {
+        Explained d(dangling, view, 50, true);
+        ASSERT_EQ(d.ex.conflicts.size(), 1u);
+        EXPECT_EQ(d.ex.conflicts[0].notes, QStringList()) << view;
+    }
 }
