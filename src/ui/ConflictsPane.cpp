@@ -109,6 +109,7 @@ ConflictsPane::ConflictsPane(frmMain& window, QWidget* parent)
     split->setStretchFactor(0, 2);
     split->setStretchFactor(1, 3);
     split->setStretchFactor(2, 4);
+    split->setSizes({240, 420, 620});
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(2, 2, 2, 2);
     layout->addWidget(split);

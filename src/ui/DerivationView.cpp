@@ -48,7 +48,7 @@ protected:
                 p.setFont(bold);
                 p.setPen(palette().color(QPalette::Text));
                 const QRectF root = tree.nodes.front().box;
-                p.drawText(QPointF(kMargin, root.top() - 8), tree.caption);
+                p.drawText(QPointF(tree.left, root.top() - 8), tree.caption);
                 p.setFont(font());
             }
             p.setPen(QPen(edge, 1.2));
@@ -92,14 +92,16 @@ void DerivationView::SetTrees(const Grammar& g, const std::vector<DerivationTree
     m_trees.clear();
     const QFontMetrics metrics(m_canvas->font());
     const qreal boxHeight = metrics.height() + 6;
-    qreal top = kMargin;
-    qreal width = 0;
+    // The trees stand side by side, each under its caption, their leaves along one bottom row.
+    const qreal top = kMargin + metrics.height() + 6;
+    qreal width = kMargin;
+    qreal height = 0;
     for (std::size_t t = 0; t < trees.size(); ++t) {
         Placed placed;
         placed.caption = captions.value(static_cast<qsizetype>(t));
-        top += metrics.height() + 6;  // the caption
+        placed.left = width;
         const int depth = Depth(trees[t]);
-        qreal nextLeafX = kMargin;
+        qreal nextLeafX = width;
         // Leaves take the next place along the bottom row; an inner node stands
         // above the middle of its children at its own level.
         std::function<int(const DerivationTree&, int, int)> place = [&](const DerivationTree& node, int level, int parent) {
@@ -113,7 +115,7 @@ void DerivationView::SetTrees(const Grammar& g, const std::vector<DerivationTree
             qreal centre = 0;
             qreal y = top + level * kLevel;
             if (n.leaf) {
-                // An inner symbol left unexpanded is a leaf of the form too: it goes down with the others.
+                // A non-terminal left unexpanded is a symbol of the form too: it goes down with the others.
                 y = top + depth * kLevel;
                 centre = nextLeafX + w / 2;
                 nextLeafX += w + kGap;
@@ -126,24 +128,22 @@ void DerivationView::SetTrees(const Grammar& g, const std::vector<DerivationTree
                         first = x;
                     last = x;
                 }
-                if (node.children.empty())
-                    centre = nextLeafX + w / 2;
-                else
-                    centre = (first + last) / 2;
+                centre = (first + last) / 2;
             }
             placed.nodes[static_cast<std::size_t>(index)].box = QRectF(centre - w / 2, y, w, boxHeight);
             return index;
         };
         place(trees[t], 0, -1);
+        qreal right = width + metrics.horizontalAdvance(placed.caption);
         for (const Node& n : placed.nodes)
-            width = std::max(width, n.box.right());
-        top += depth * kLevel + boxHeight + 2 * kMargin;
+            right = std::max(right, n.box.right());
+        width = right + 4 * kGap;
+        height = std::max(height, top + depth * kLevel + boxHeight + kMargin);
         m_trees.push_back(std::move(placed));
     }
-    m_canvas->resize(static_cast<int>(width + kMargin) + 1, static_cast<int>(top) + 1);
+    m_canvas->resize(static_cast<int>(width) + 1, static_cast<int>(height) + 1);
     m_canvas->update();
 }
-
 QStringList DerivationView::LeafTexts(int tree) const
 {
     QStringList leaves;

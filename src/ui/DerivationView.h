@@ -1,8 +1,8 @@
 /// \file
 /// DerivationView: derivation trees drawn as trees — each node a box with its
 /// symbol, edges from a node to the symbols of its rule's right side, the
-/// leaves along the bottom of each tree. The trees stand one above the other,
-/// each under a caption, and the view scrolls when they do not fit.
+/// leaves along the bottom of each tree. The trees stand side by side, each
+/// under a caption, and the view scrolls when they do not fit.
 #pragma once
 
 #include "session/Derivation.h"
@@ -32,6 +32,7 @@ public:
     };
     struct Placed {
         QString caption;
+        qreal left = 0;  ///< where the tree and its caption begin
         std::vector<Node> nodes;  ///< preorder
     };
     const std::vector<Placed>& Trees() const { return m_trees; }

@@ -16,6 +16,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTest>
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace {
@@ -118,8 +119,12 @@ TEST(ConflictsPane, ChoosingAConflictShowsItsCellTextTreesAndRuleLine)
             right = n.box.right();
         }
     }
-    // The second tree stands below the first.
-    EXPECT_GT(trees.Trees()[1].nodes.front().box.top(), trees.Trees()[0].nodes.back().box.bottom());
+    // The second tree stands right of the first, clear of its widest node.
+    double firstRight = 0;
+    for (const DerivationView::Node& n : trees.Trees()[0].nodes)
+        firstRight = std::max(firstRight, n.box.right());
+    for (const DerivationView::Node& n : trees.Trees()[1].nodes)
+        EXPECT_GT(n.box.left(), firstRight);
 
     // The refused rule's line, found with its spaces.
     const QTextCursor cursor = win.w.Text1->textCursor();
