@@ -12,6 +12,7 @@
 #include "session/TableCells.h"
 
 #include <QDockWidget>
+#include <QLabel>
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -165,4 +166,30 @@ TEST(ConflictsPane, ExportWritesEveryExplanationBesideTheGrammar)
     const QString file = dir + QStringLiteral("/g-explain-lalr.txt");
     EXPECT_EQ(win.host.informations.last(), QStringLiteral("Files saved:\r\n") + file + QStringLiteral(".\r\n"));
     EXPECT_EQ(FileBytes(file), QByteArray(kPlainText));
+}
+
+TEST(ConflictsPane, StopEndsTheSearchWithTheConflictsExplainedSoFar)
+{
+    // [+] and [*] without precedence: four shift/reduce conflicts in LALR(1).
+    PaneWindow win(Lines({"<E>", "<E>=<E>[+]<E>", "<E>=<E>[*]<E>", "<E>=[a]"}));
+    win.Analyse(View::LALR);
+    ConflictsPane& pane = win.pane();
+    ASSERT_EQ(pane.list->count(), 4);
+    win.host.stopAfter = win.host.yields + 1;
+    win.host.stop = [&win] {
+        EXPECT_TRUE(win.w.mnuStop->isEnabled());
+        EXPECT_FALSE(win.w.mnuAnalyse->isEnabled());
+        win.w.Stop();
+    };
+    ASSERT_TRUE(pane.Explain());
+    ASSERT_TRUE(pane.Explanation()->stopped);
+    const int explained = static_cast<int>(pane.Explanation()->conflicts.size());
+    EXPECT_LT(explained, 4);
+    EXPECT_EQ(pane.summary->text(), QStringLiteral("Stopped: %1 of 4 conflict(s) explained.").arg(explained));
+    EXPECT_TRUE(win.w.mnuAnalyse->isEnabled());
+    EXPECT_FALSE(win.w.mnuStop->isEnabled());
+    pane.list->setCurrentRow(3);
+    EXPECT_TRUE(pane.text->toPlainText().startsWith(QStringLiteral("Not explained")));
+    EXPECT_EQ(pane.trees->TreeCount(), 0);
+    EXPECT_FALSE(pane.list->item(3)->text().contains(QStringLiteral("\u2014")));
 }
