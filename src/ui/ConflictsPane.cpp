@@ -131,6 +131,7 @@ void ConflictsPane::ShowView(int view)
         list->addItem(RowText(i));
     text->clear();
     trees->Clear();
+    m_window.Text1->setExtraSelections({});  // the marks of rules chosen for another table
     const bool analyser = FindView(view) && ViewOf(view).IsAnalyser();
     summary->setText(!analyser                               ? QString()
                      : !IsAnalysed(m_window.workspace(), view) ? QStringLiteral("Not analyzed.")

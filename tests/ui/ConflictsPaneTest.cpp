@@ -132,6 +132,9 @@ TEST(ConflictsPane, ChoosingAConflictShowsItsCellTextTreesAndRuleLine)
     EXPECT_EQ(cursor.block().blockNumber(), 2);
     EXPECT_EQ(cursor.selectedText(), QStringLiteral("<E> = <E> [+] <E>"));
     EXPECT_EQ(win.w.Text1->extraSelections().size(), 1);
+    win.w.SelectView(View::Grammar);
+    EXPECT_TRUE(win.w.Text1->extraSelections().isEmpty());
+    EXPECT_EQ(win.pane().trees->TreeCount(), 0);
 }
 
 TEST(ConflictsPane, ShowingThePaneExplainsAndOtherViewsEmptyIt)
