@@ -7,6 +7,7 @@
 #include "storage/Folders.h"
 #include "storage/GrammarFile.h"
 #include "storage/SettingsFile.h"
+#include "ui/ConflictsPane.h"
 #include "ui/FileDialogs.h"
 #include "ui/GrammarEditor.h"
 #include "ui/GuiHost.h"
@@ -29,6 +30,7 @@
 #include <QCoreApplication>
 #include <QDialog>
 #include <QDialogButtonBox>
+#include <QDockWidget>
 #include <QDesktopServices>
 #include <QDir>
 #include <QElapsedTimer>
@@ -231,6 +233,18 @@ frmMain::frmMain(Host* messages, const QString& settingsFile)
     BuildViewSelector(bar);
     addToolBar(Qt::TopToolBarArea, bar);
 
+    conflictsPane = new ConflictsPane(*this);
+    conflictsDock = new QDockWidget(QStringLiteral("Conflicts"), this);
+    conflictsDock->setObjectName(QStringLiteral("conflictsDock"));
+    conflictsDock->setWidget(conflictsPane);
+    conflictsDock->setAllowedAreas(Qt::BottomDockWidgetArea | Qt::TopDockWidgetArea);
+    addDockWidget(Qt::BottomDockWidgetArea, conflictsDock);
+    conflictsDock->hide();
+    QAction* showConflicts = conflictsDock->toggleViewAction();
+    showConflicts->setObjectName(QStringLiteral("showConflicts"));
+    showConflicts->setToolTip(QStringLiteral("The conflicts of the selected method, each with two derivations of one sentence"));
+    bar->addAction(showConflicts);
+
     sState = new QLabel(QStringLiteral("State:"));
     sState->setObjectName(QStringLiteral("sState"));
     sState->setToolTip(QStringLiteral("Analysis State"));
@@ -265,7 +279,10 @@ frmMain::frmMain(Host* messages, const QString& settingsFile)
 
 frmMain::~frmMain()
 {
-    // The grid's model reads the workspace: let it go first.
+    // The grid's model and the conflicts pane read the workspace: let them go first.
+    delete conflictsDock;
+    conflictsDock = nullptr;
+    conflictsPane = nullptr;
     delete Picture1;
     Picture1 = nullptr;
 }
@@ -622,6 +639,8 @@ void frmMain::ShowRunState()
     }
     verdictLabel->setText(ViewOf(m_view).IsAnalyser() ? VerdictLine(Judge(*m_ws, m_view)) : QString());
     cellPane->clear();
+    if (conflictsPane)
+        conflictsPane->ShowView(m_view);
 }
 
 void frmMain::ClearStatusLabels()

@@ -18,8 +18,10 @@
 #include <memory>
 #include <vector>
 
+class ConflictsPane;
 class GrammarEditor;
 class ListingView;
+class QDockWidget;
 class QLabel;
 class QMenu;
 class QPlainTextEdit;
@@ -96,6 +98,8 @@ public:
     QToolButton* itemsButton = nullptr;  ///< LR views: the item sets instead of the table listing
     QLabel* verdictLabel = nullptr;      ///< above the output box: the verdict of an analysed method
     QPlainTextEdit* cellPane = nullptr;  ///< below the grid: what the chosen cell means
+    QDockWidget* conflictsDock = nullptr;  ///< under the window, hidden until asked for
+    ConflictsPane* conflictsPane = nullptr;  ///< the conflicts of the selected view and why they arise
 
     QMenu* mnuFile = nullptr;
     QAction* mnuFileNew = nullptr;
