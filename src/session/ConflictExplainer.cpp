@@ -193,7 +193,8 @@ public:
                     if (search.FindAmbiguity(root, maxLeaves, accept, one, two)) {
                         e.example.unifying = true;
                         e.example.goalRooted = false;
-                        e.example.derivations = {one, two};
+                        // The search gives the reducing tree first: the kept action's goes first, as the actions read.
+                        e.example.derivations = {two, one};
                         Finish(m_rules, e.example);
                         e.example.sentence = e.example.forms.front();
                         return e;

@@ -28,7 +28,7 @@ struct Counterexample {
     bool goalRooted = false;   ///< the trees start at <'> (rule 0), else at the conflict's non-terminal
     std::vector<int> sentence; ///< unifying: the leaves of both trees; else the shared part
     std::vector<std::vector<int>> forms;        ///< the leaves of each tree
-    std::vector<DerivationTree> derivations;    ///< two trees, one per action
+    std::vector<DerivationTree> derivations;    ///< two trees, one per action, in the order of the actions (kept first)
     std::vector<std::vector<int>> terminals;    ///< each form with non-terminals expanded shortest
 };
 

@@ -9,6 +9,7 @@
 #include "support/RecordingHost.h"
 #include "support/TestPaths.h"
 
+#include <functional>
 #include <gtest/gtest.h>
 
 namespace {
@@ -71,6 +72,26 @@ void ExpectSound(const Grammar& g, const ConflictExplanation& e, const QString& 
     }
 }
 
+/// Whether the tree has a node of rule whose leaves are followed at once by lookahead.
+bool ClosesBefore(const DerivationTree& tree, int rule, int lookahead)
+{
+    std::vector<int> leaves;
+    std::vector<std::pair<int, std::size_t>> ends;  // (rule, index after the node's last leaf)
+    std::function<void(const DerivationTree&)> walk = [&](const DerivationTree& node) {
+        if (node.rule < 0) {
+            leaves.push_back(node.symbol);
+            return;
+        }
+        for (const DerivationTree& child : node.children)
+            walk(child);
+        ends.emplace_back(node.rule, leaves.size());
+    };
+    walk(tree);
+    return std::any_of(ends.begin(), ends.end(), [&](const auto& e) {
+        return e.first == rule && e.second < leaves.size() && leaves[e.second] == lookahead;
+    });
+}
+
 struct Explained {
     RecordingHost host;
     Workspace ws{&host};
@@ -100,6 +121,13 @@ TEST(ConflictExplainer, AmbiguousGrammarsGetOneSentenceWithTwoTrees)
         EXPECT_TRUE(e.example.unifying && !e.example.gaveUp) << text.toStdString();
         EXPECT_FALSE(e.example.goalRooted);
         ExpectSound(run.ws.grammar, e, text);
+        // The trees come in the order of the actions: the kept shift nests the
+        // operand to the right (the inner rule takes the look-ahead), the refused
+        // reduce closes the inner rule before it.
+        ASSERT_EQ(e.example.derivations.size(), 2u);
+        const int refusedRule = -e.conflict.rejected.front();
+        EXPECT_FALSE(ClosesBefore(e.example.derivations[0], refusedRule, e.lookahead)) << text.toStdString();
+        EXPECT_TRUE(ClosesBefore(e.example.derivations[1], refusedRule, e.lookahead)) << text.toStdString();
         // The terminal sentences of both trees are one sentence with no non-terminal.
         EXPECT_EQ(e.example.terminals[0], e.example.terminals[1]);
         for (int s : e.example.terminals[0])
