@@ -8,6 +8,44 @@
 #include <cstdlib>
 #include <unordered_map>
 
+SparseRow WriteRow(const SparseRow& transitions, int acceptEntry, const StateReduces& reduces,
+                   std::vector<int>& scratch, std::vector<int>& touched,
+                   const std::function<void(int column, int kept, int rejected)>& refused)
+{
+    // The row is spread into the dense scratch row while its reduces are written, then packed again.
+    touched.clear();
+    for (const auto& [c, v] : transitions) {
+        scratch[c] = v;
+        touched.push_back(c);
+    }
+    if (acceptEntry != 0) {
+        if (scratch[0] == 0)
+            touched.push_back(0);
+        scratch[0] = acceptEntry;
+    }
+    for (const auto& [rule, lookaheads] : reduces) {
+        if (rule == 0)
+            continue;  // <'> -> goal: the accept entry above
+        for (int t : lookaheads) {
+            int& cell = scratch[t];
+            if (cell == 0) {
+                cell = -rule;
+                touched.push_back(t);
+            } else {
+                refused(t, cell, -rule);
+            }
+        }
+    }
+    std::sort(touched.begin(), touched.end());
+    SparseRow packed;
+    packed.reserve(touched.size());
+    for (int c : touched) {
+        packed.emplace_back(c, scratch[c]);
+        scratch[c] = 0;
+    }
+    return packed;
+}
+
 bool LrAnalyser::Analyze()
 {
     Grammar& g = m_model.grammar;
@@ -53,45 +91,15 @@ bool LrAnalyser::Analyze()
             m_results.saved = saved;
             return false;
         }
-        SparseRow& row = rows[s];
-        touched.clear();
-        for (const auto& [c, v] : row) {
-            dense[c] = v;
-            touched.push_back(c);
-        }
-        if (s == acceptState && acceptState > 0) {
-            if (dense[0] == 0)
-                touched.push_back(0);
-            dense[0] = accept;
-        }
-        for (const auto& [rule, lookaheads] : reduces[s]) {
-            if (rule == 0)
-                continue;  // <'> -> goal: the accept entry above
-            const int entry = -rule;
-            for (int t : lookaheads) {
-                int& cell = dense[t];
-                if (cell == 0) {
-                    cell = entry;
-                    touched.push_back(t);
-                    continue;
-                }
-                // The cell keeps what it holds: a shift or an earlier reduce wins, on
-                // purpose without any precedence rule.
-                m_results.conflicts.push_back({m_kind.method, s, t, cell, {entry},
-                                               cell < 0 ? ConflictKind::ReduceReduce : ConflictKind::ShiftReduce});
-            }
-        }
-        std::sort(touched.begin(), touched.end());
         // Packed at its exact size, and the state's reduce list let go: on the large
         // grammars these are most of what the run holds.
-        SparseRow packed;
-        packed.reserve(touched.size());
-        for (int c : touched) {
-            packed.emplace_back(c, dense[c]);
-            dense[c] = 0;
-        }
-        row.swap(packed);
-        std::vector<std::pair<int, std::vector<int>>>().swap(reduces[s]);
+        rows[s] = WriteRow(rows[s], s == acceptState && acceptState > 0 ? accept : 0, reduces[s], dense, touched,
+                           [&](int column, int kept, int rejected) {
+                               m_results.conflicts.push_back({m_kind.method, s, column, kept, {rejected},
+                                                              kept < 0 ? ConflictKind::ReduceReduce
+                                                                       : ConflictKind::ShiftReduce});
+                           });
+        StateReduces().swap(reduces[s]);
     }
     const bool verdict = m_results.conflicts.empty();
     g.SetFlag(m_kind.verdictFlag, verdict);

@@ -10,7 +10,19 @@
 
 /// By state: the reduces of its complete items, each a rule and the look-ahead
 /// codes it is written under, in order.
-using ReduceList = std::vector<std::vector<std::pair<int, std::vector<int>>>>;
+using StateReduces = std::vector<std::pair<int, std::vector<int>>>;
+using ReduceList = std::vector<StateReduces>;
+
+/// One state's row of the table: its transitions, the accept entry (when
+/// acceptEntry is not 0, in the end-marker column), then its reduces in order,
+/// each into the cells still empty. A cell keeps what it holds, on purpose
+/// without any precedence rule: a shift or an earlier reduce wins, and
+/// refused(column, kept, -rule) hears of each reduce it turns away. scratch is
+/// one zero per code and is left so. The run and the check of a restored
+/// companion write rows through this one routine.
+SparseRow WriteRow(const SparseRow& transitions, int acceptEntry, const StateReduces& reduces,
+                   std::vector<int>& scratch, std::vector<int>& touched,
+                   const std::function<void(int column, int kept, int rejected)>& refused);
 
 class LrAnalyser : public IAnazer {
 public:

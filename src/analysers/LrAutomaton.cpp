@@ -222,16 +222,6 @@ struct KeyHash {
     }
 };
 
-struct WordsHash {
-    std::size_t operator()(const std::vector<std::uint64_t>& key) const noexcept
-    {
-        std::size_t h = key.size() * 0x9E3779B97F4A7C15ull;
-        for (std::uint64_t v : key)
-            h = (h ^ v) * 0x100000001B3ull;
-        return h;
-    }
-};
-
 } // namespace
 
 bool BuildLr0(const LrGrammar& lg, PassFrame& frame, Lr0Automaton& a)

@@ -16,6 +16,18 @@
 #include <functional>
 #include <vector>
 
+/// The hash of a state's key in words (its kernel items and look-ahead bits),
+/// for the maps that find a state by its key.
+struct WordsHash {
+    std::size_t operator()(const std::vector<std::uint64_t>& key) const noexcept
+    {
+        std::size_t h = key.size() * 0x9E3779B97F4A7C15ull;
+        for (std::uint64_t v : key)
+            h = (h ^ v) * 0x100000001B3ull;
+        return h;
+    }
+};
+
 /// A dense set of terminal codes 0..T (0 is the end marker).
 class TerminalSet {
 public:

@@ -41,9 +41,6 @@ int LoadGrammar(Workspace& workspace, const QString& path, QString& text);
 /// on stderr (a blank text gets its own) and kExitGrammar is returned.
 int ParseGrammar(Workspace& workspace, const QString& path, const QString& text);
 
-/// A view by number (0-11) or name (grammar symbols first basis followl followr
-/// ll slr lalr lr spr opr); -1 when it is neither.
-
 /// Reads GRAMMAR and runs Analyse on view as the window does; output is what the
 /// output box then shows. Returns an exit status.
 int RunView(Workspace& workspace, const QString& path, int view, QString& output, bool wantsOutput = true);
@@ -59,6 +56,15 @@ TableOutcome OutcomeOf(const Workspace& workspace, int view);
 /// otherwise kExitGrammar, with the refusal's verdict, as the view shows it,
 /// put on stderr (a limit has shown its message already).
 int RequireTable(Workspace& workspace, int view);
+
+/// The analyser view (6-11) that command was given as arg; -1, with the usage
+/// message on stderr, for anything else.
+int AnalyserView(const QString& command, const QString& arg);
+
+/// Reads GRAMMAR and runs Analyse on analyser view without building its
+/// listing: kExitOk when its table was built, otherwise the exit status
+/// (interrupted, unreadable, or as RequireTable says).
+int RunTable(Workspace& workspace, const QString& path, int view);
 
 // The commands; args holds what follows the command name (GRAMMAR first).
 int CmdCheck(Workspace& workspace, const CliOptions& options, const QStringList& args);

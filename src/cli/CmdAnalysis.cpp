@@ -82,20 +82,32 @@ int RequireTable(Workspace& workspace, int view)
     return kExitGrammar;
 }
 
-int CmdTable(Workspace& workspace, const CliOptions&, const QStringList& args)
+int AnalyserView(const QString& command, const QString& arg)
 {
-    const int view = ParseView(args[1]);
-    if (view < View::LL) {
-        WriteErr(QStringLiteral("trelk-cli: table takes an analyser view (6-11 or ll slr lalr lr spr opr), not ")
-                 + args[1]);
-        return kExitUsage;
-    }
+    const int view = ParseView(arg);
+    if (view >= View::LL)
+        return view;
+    WriteErr(QStringLiteral("trelk-cli: ") + command
+             + QStringLiteral(" takes an analyser view (6-11 or ll slr lalr lr spr opr), not ") + arg);
+    return -1;
+}
+
+int RunTable(Workspace& workspace, const QString& path, int view)
+{
     QString output;
-    if (int status = RunView(workspace, args[0], view, output, false))
+    if (int status = RunView(workspace, path, view, output, false))
         return status;
     if (Interrupt::Stopped())
         return kExitStopped;
-    if (int status = RequireTable(workspace, view))
+    return RequireTable(workspace, view);
+}
+
+int CmdTable(Workspace& workspace, const CliOptions&, const QStringList& args)
+{
+    const int view = AnalyserView(QStringLiteral("table"), args[1]);
+    if (view < 0)
+        return kExitUsage;
+    if (int status = RunTable(workspace, args[0], view))
         return status;
     if (!Interrupt::BeginResult(Interrupt::Result::Text))
         return kExitStopped;

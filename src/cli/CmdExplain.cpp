@@ -10,12 +10,9 @@
 
 int CmdExplain(Workspace& workspace, const CliOptions&, const QStringList& args)
 {
-    const int view = ParseView(args[1]);
-    if (view < View::LL) {
-        WriteErr(QStringLiteral("trelk-cli: explain takes an analyser view (6-11 or ll slr lalr lr spr opr), not ")
-                 + args[1]);
+    const int view = AnalyserView(QStringLiteral("explain"), args[1]);
+    if (view < 0)
         return kExitUsage;
-    }
     bool json = false;
     ExplainOptions options;
     options.compareStronger = true;
@@ -33,12 +30,7 @@ int CmdExplain(Workspace& workspace, const CliOptions&, const QStringList& args)
         WriteErr(QStringLiteral("trelk-cli: explain takes --json and --budget MS, not ") + args[i]);
         return kExitUsage;
     }
-    QString output;
-    if (int status = RunView(workspace, args[0], view, output, false))
-        return status;
-    if (Interrupt::Stopped())
-        return kExitStopped;
-    if (int status = RequireTable(workspace, view))
+    if (int status = RunTable(workspace, args[0], view))
         return status;
     const Explanations explanations = ExplainConflicts(workspace, view, options);
     if (Interrupt::Stopped())

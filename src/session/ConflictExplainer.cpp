@@ -378,6 +378,8 @@ private:
     bool m_stopped = false;
 };
 
+} // namespace
+
 QString KindText(ConflictKind kind)
 {
     switch (kind) {
@@ -392,8 +394,6 @@ QString KindText(ConflictKind kind)
     }
     return QStringLiteral("precedence");
 }
-
-} // namespace
 
 QString TreeText(const Grammar& g, const DerivationTree& tree)
 {
@@ -444,8 +444,13 @@ void AnalyseQuietly(Workspace& workspace, int view)
     Host& outer = workspace.host();
     Quiet quiet(outer);
     workspace.setHost(&quiet);
+    // The workspace's own host comes back however the run ends.
+    struct Restore {
+        Workspace& ws;
+        Host& host;
+        ~Restore() { ws.setHost(&host); }
+    } restore{workspace, outer};
     Analyse(workspace, quiet, view);
-    workspace.setHost(&outer);
 }
 
 bool HasConflict(const LrResults& results, int state, int lookahead)

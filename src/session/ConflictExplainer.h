@@ -61,6 +61,10 @@ Explanations ExplainConflicts(Workspace& workspace, int view, const ExplainOptio
 /// same core.
 QStringList StrongerMethodNotes(const Workspace& workspace, int view, int state, int lookahead);
 
+/// "shift/reduce", "reduce/reduce", "ll" or "precedence": the kind as the
+/// explanations and their JSON name it.
+QString KindText(ConflictKind kind);
+
 /// "<E>=( <E> [+] [a] )": a tree on one line.
 QString TreeText(const Grammar& g, const DerivationTree& tree);
 /// A tree as JSON: {"symbol", "rule", "children"}, a leaf as its symbol.

@@ -149,6 +149,20 @@ DerivationTree TreeSearch::Build(const std::vector<State>& states, int index, in
     return tree;
 }
 
+std::optional<std::vector<int>> TreeSearch::Expand(const std::vector<int>& form, int i, int rule, int maxLeaves) const
+{
+    const std::vector<int>& right = m_rules.Right(rule);
+    // Measured before it is made: most expansions of a search are over the bound.
+    if (form.size() - 1 + right.size() > static_cast<std::size_t>(maxLeaves))
+        return std::nullopt;
+    std::vector<int> expanded;
+    expanded.reserve(form.size() - 1 + right.size());
+    expanded.insert(expanded.end(), form.begin(), form.begin() + i);
+    expanded.insert(expanded.end(), right.begin(), right.end());
+    expanded.insert(expanded.end(), form.begin() + i + 1, form.end());
+    return expanded;
+}
+
 bool TreeSearch::FindAmbiguity(int root, int maxLeaves,
                                const std::function<bool(const DerivationTree&, const DerivationTree&)>& accept,
                                DerivationTree& first, DerivationTree& second)
@@ -167,12 +181,10 @@ bool TreeSearch::FindAmbiguity(int root, int maxLeaves,
             for (int r : m_rules.RulesOf(symbol)) {
                 if (!m_budget.Spend())
                     return false;
-                const std::vector<int>& source = states[at].form;
-                std::vector<int> form(source.begin(), source.begin() + i);
-                form.insert(form.end(), m_rules.Right(r).begin(), m_rules.Right(r).end());
-                form.insert(form.end(), source.begin() + i + 1, source.end());
-                if (static_cast<int>(form.size()) > maxLeaves)
+                std::optional<std::vector<int>> expanded = Expand(states[at].form, i, r, maxLeaves);
+                if (!expanded)
                     continue;
+                const std::vector<int>& form = *expanded;
                 const int index = static_cast<int>(states.size());
                 states.push_back({at, i, r, i, form});
                 std::vector<int>& same = byForm[form];
@@ -238,13 +250,10 @@ bool TreeSearch::FindWithPrefix(int root, const std::vector<int>& target, bool w
             for (int r : m_rules.RulesOf(symbol)) {
                 if (!m_budget.Spend())
                     return false;
-                const std::vector<int>& source = states[at].form;
-                std::vector<int> form(source.begin(), source.begin() + i);
-                form.insert(form.end(), m_rules.Right(r).begin(), m_rules.Right(r).end());
-                form.insert(form.end(), source.begin() + i + 1, source.end());
-                if (static_cast<int>(form.size()) > maxLeaves)
+                std::optional<std::vector<int>> expanded = Expand(states[at].form, i, r, maxLeaves);
+                if (!expanded)
                     continue;
-                states.push_back({at, i, r, i, std::move(form)});
+                states.push_back({at, i, r, i, std::move(*expanded)});
                 queue.push_back(static_cast<int>(states.size()) - 1);
             }
             if (i >= length || symbol != target[i])

@@ -11,6 +11,7 @@
 #include <QElapsedTimer>
 #include <QJsonObject>
 #include <functional>
+#include <optional>
 #include <vector>
 
 struct DerivationTree {
@@ -104,6 +105,9 @@ private:
         std::vector<int> form;
     };
     DerivationTree Build(const std::vector<State>& states, int index, int root) const;
+    /// form with its symbol at i replaced by the right side of rule; nothing
+    /// when the result would have more than maxLeaves symbols.
+    std::optional<std::vector<int>> Expand(const std::vector<int>& form, int i, int rule, int maxLeaves) const;
 
     const RuleTable& m_rules;
     SearchBudget& m_budget;

@@ -6,21 +6,12 @@
 #include "session/RestoredTables.h"
 
 #include "analysers/LalrLookaheads.h"
+#include "analysers/LrAnalyser.h"
 #include "analysers/LrAutomaton.h"
 
 #include <unordered_map>
 
 namespace {
-
-struct WordsHash {
-    std::size_t operator()(const std::vector<std::uint64_t>& key) const noexcept
-    {
-        std::size_t h = key.size() * 0x9E3779B97F4A7C15ull;
-        for (std::uint64_t v : key)
-            h = (h ^ v) * 0x100000001B3ull;
-        return h;
-    }
-};
 
 /// A state's name as the builders name it: its kernel items, each followed by
 /// the words of its look-ahead set when the state has one (canonical LR(1)).
@@ -217,42 +208,15 @@ bool LrTableHolds(const LrResults& r, const LrGrammar& lg, ConflictMethod method
     std::vector<int> dense(static_cast<std::size_t>(codes), 0);
     std::size_t conflict = 0;
     for (int s = 0; s < states; ++s) {
-        touched.clear();
-        for (const auto& [c, v] : transitions[s]) {
-            dense[c] = v;
-            touched.push_back(c);
-        }
-        if (s == acceptState && acceptState > 0) {
-            if (dense[0] == 0)
-                touched.push_back(0);
-            dense[0] = accept;
-        }
-        for (const auto& [rule, lookaheads] : reducesOf(s)) {
-            if (rule == 0)
-                continue;
-            for (int x : lookaheads) {
-                int& cell = dense[x];
-                if (cell == 0) {
-                    cell = -rule;
-                    touched.push_back(x);
-                    continue;
-                }
-                if (conflict >= r.conflicts.size())
-                    return false;
-                const Conflict& c = r.conflicts[conflict++];
-                if (c.row != s || c.column != x || c.kept != cell || c.rejected != std::vector<int>{-rule})
-                    return false;
-            }
-        }
-        std::sort(touched.begin(), touched.end());
-        const SparseRow& row = r.rows[s];
-        bool same = row.size() == touched.size();
-        for (std::size_t i = 0; i < touched.size(); ++i) {
-            const int c = touched[i];
-            same = same && row[i].first == c && row[i].second == dense[c];
-            dense[c] = 0;
-        }
-        if (!same)
+        bool agrees = true;
+        const SparseRow row = WriteRow(transitions[s], s == acceptState && acceptState > 0 ? accept : 0, reducesOf(s),
+                                       dense, touched, [&](int column, int kept, int rejected) {
+                                           const Conflict* c = conflict < r.conflicts.size() ? &r.conflicts[conflict++]
+                                                                                              : nullptr;
+                                           agrees = agrees && c && c->row == s && c->column == column
+                                                 && c->kept == kept && c->rejected == std::vector<int>{rejected};
+                                       });
+        if (!agrees || row != r.rows[s])
             return false;
     }
     return conflict == r.conflicts.size();

@@ -9,18 +9,6 @@ namespace {
 
 const QString kNl = QStringLiteral("\n");
 
-const LrResults* LrOf(const Workspace& ws, int view)
-{
-    const ViewInfo* info = FindView(view);
-    return info && info->lrResults ? &(ws.*info->lrResults) : nullptr;
-}
-
-const PrecedenceResults* PrecedenceOf(const Workspace& ws, int view)
-{
-    const ViewInfo* info = FindView(view);
-    return info && info->precedenceResults ? &(ws.*info->precedenceResults) : nullptr;
-}
-
 /// An LR entry with its rule when it is a reduce: "r6 <F>=[a]", "s3".
 QString LrAction(const Grammar& g, int states, int column, int entry)
 {
@@ -43,17 +31,7 @@ QString RelationSign(const PrecedenceMatrix& m, int code)
 std::vector<Conflict> CellConflicts(Workspace& ws, int view, int row, int column)
 {
     std::vector<Conflict> found;
-    if (!IsAnalysed(ws, view))
-        return found;
-    std::vector<Conflict> all;
-    if (view == View::LL)
-        all = LLConflicts(ws.ll.synta);
-    else if (const LrResults* lr = LrOf(ws, view))
-        all = lr->conflicts;
-    else if (const PrecedenceResults* p = PrecedenceOf(ws, view))
-        all = PrecedenceConflicts(p->synta, view == View::SPR ? ConflictMethod::SimplePrecedence
-                                                              : ConflictMethod::OperatorPrecedence);
-    for (const Conflict& c : all)
+    for (const Conflict& c : ConflictsOf(ws, view))
         if (c.row == row && c.column == column)
             found.push_back(c);
     return found;
@@ -160,7 +138,7 @@ QString LrEntryText(const Grammar& g, int states, int column, int entry)
 
 QString CellRowName(Workspace& ws, int view, int row)
 {
-    if (LrOf(ws, view))
+    if (LrResultsOf(ws, view))
         return QStringLiteral("state ") + QString::number(row);
     return ws.grammar.GetSymbolS(row);
 }
@@ -178,12 +156,12 @@ QString ConflictDescription(Workspace& ws, int view, int row, int column)
     const Grammar& g = ws.grammar;
     const QString rowName = CellRowName(ws, view, row);
     const QString columnName = CellColumnName(ws, view, column);
-    QString text = LrOf(ws, view)      ? QStringLiteral("Conflict in ") + rowName + QStringLiteral(" on ") + columnName
+    QString text = LrResultsOf(ws, view)      ? QStringLiteral("Conflict in ") + rowName + QStringLiteral(" on ") + columnName
                  : view == View::LL    ? QStringLiteral("Conflict for ") + rowName + QStringLiteral(" under ") + columnName
                                        : QStringLiteral("Conflict between ") + rowName + QStringLiteral(" and ") + columnName;
     QStringList rejected;
     QString kept;
-    if (const LrResults* lr = LrOf(ws, view)) {
+    if (const LrResults* lr = LrResultsOf(ws, view)) {
         kept = LrAction(g, lr->States(), column, conflicts.front().kept);
         for (const Conflict& c : conflicts)
             for (int entry : c.rejected)
@@ -192,7 +170,7 @@ QString ConflictDescription(Workspace& ws, int view, int row, int column)
         kept = NumberedRule(g, conflicts.front().kept);
         for (int r : conflicts.front().rejected)
             rejected << NumberedRule(g, r);
-    } else if (const PrecedenceResults* p = PrecedenceOf(ws, view)) {
+    } else if (const PrecedenceResults* p = PrecedenceResultsOf(ws, view)) {
         kept = RelationSign(p->synta, conflicts.front().kept);
         for (int code : conflicts.front().rejected)
             rejected << RelationSign(p->synta, code);
@@ -209,7 +187,7 @@ QString CellDetails(Workspace& ws, int view, int row, int column)
         return QString();
     const Grammar& g = ws.grammar;
     QString text;
-    if (const LrResults* lr = LrOf(ws, view)) {
+    if (const LrResults* lr = LrResultsOf(ws, view)) {
         if (row < 0 || row >= lr->States() || column < 0 || column > g.lastCode)
             return QString();
         text = StateItems(g, *lr, row) + kNl + LrCellLine(g, *lr, row, column) + kNl;
@@ -217,7 +195,7 @@ QString CellDetails(Workspace& ws, int view, int row, int column)
         if (row < 0 || row >= ws.ll.synta.Rows() || column < 0 || column >= ws.ll.synta.Columns())
             return QString();
         text = LLCellText(g, ws.ll.synta, row, column);
-    } else if (const PrecedenceResults* p = PrecedenceOf(ws, view)) {
+    } else if (const PrecedenceResults* p = PrecedenceResultsOf(ws, view)) {
         if (row < 0 || row >= p->Size() || column < 0 || column >= p->Size())
             return QString();
         text = PrecedenceCellText(g, p->synta, row, column);

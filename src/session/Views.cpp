@@ -115,3 +115,29 @@ bool IsAnalysed(const Model& model, int view)
     const ViewInfo* info = FindView(view);
     return info && info->analysedFlag >= 0 && model.grammar.GetFlag(info->analysedFlag);
 }
+
+const LrResults* LrResultsOf(const Model& model, int view)
+{
+    const ViewInfo* info = FindView(view);
+    return info && info->lrResults ? &(model.*info->lrResults) : nullptr;
+}
+
+const PrecedenceResults* PrecedenceResultsOf(const Model& model, int view)
+{
+    const ViewInfo* info = FindView(view);
+    return info && info->precedenceResults ? &(model.*info->precedenceResults) : nullptr;
+}
+
+std::vector<Conflict> ConflictsOf(const Model& model, int view)
+{
+    if (!IsAnalysed(model, view))
+        return {};
+    if (view == View::LL)
+        return LLConflicts(model.ll.synta);
+    if (const LrResults* lr = LrResultsOf(model, view))
+        return lr->conflicts;
+    if (const PrecedenceResults* p = PrecedenceResultsOf(model, view))
+        return PrecedenceConflicts(p->synta, view == View::SPR ? ConflictMethod::SimplePrecedence
+                                                               : ConflictMethod::OperatorPrecedence);
+    return {};
+}

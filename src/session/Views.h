@@ -5,6 +5,7 @@
 /// export and trelk-cli all read this table; adding a method is one row.
 #pragma once
 
+#include "model/Conflicts.h"
 #include "model/IAnazer.h"
 #include "model/Model.h"
 
@@ -78,3 +79,12 @@ int ParseView(const QString& text);
 SavedStatus* SavedStatusOf(Model& model, int view);
 /// Whether the analyser of view has run on the current grammar (false for a report or no view).
 bool IsAnalysed(const Model& model, int view);
+
+/// The kept LR results of view; null for a view without them.
+const LrResults* LrResultsOf(const Model& model, int view);
+/// The kept precedence results of view; null for a view without them.
+const PrecedenceResults* PrecedenceResultsOf(const Model& model, int view);
+/// The conflict records of an analysed view as its kept table has them: LR's
+/// as the run wrote them, LL(1)'s and precedence's read off their tables.
+/// None for a view not analysed.
+std::vector<Conflict> ConflictsOf(const Model& model, int view);

@@ -28,34 +28,6 @@ constexpr int kBudgetMs = 200;
 constexpr int kMinBudgetMs = 20;
 constexpr int kPassMs = 4000;
 
-QString KindWords(ConflictKind kind)
-{
-    switch (kind) {
-    case ConflictKind::ShiftReduce:
-        return QStringLiteral("shift/reduce");
-    case ConflictKind::ReduceReduce:
-        return QStringLiteral("reduce/reduce");
-    case ConflictKind::Prediction:
-        return QStringLiteral("prediction");
-    case ConflictKind::Relation:
-        break;
-    }
-    return QStringLiteral("relation");
-}
-
-std::vector<Conflict> KeptConflicts(Workspace& ws, int view)
-{
-    if (!FindView(view) || !ViewOf(view).IsAnalyser() || !IsAnalysed(ws, view))
-        return {};
-    const ViewInfo& info = ViewOf(view);
-    if (info.lrResults)
-        return (ws.*(info.lrResults)).conflicts;
-    if (info.precedenceResults)
-        return PrecedenceConflicts((ws.*(info.precedenceResults)).synta, view == View::SPR ? ConflictMethod::SimplePrecedence
-                                                                                           : ConflictMethod::OperatorPrecedence);
-    return LLConflicts(ws.ll.synta);
-}
-
 QString Squeezed(QString text)
 {
     text.remove(QLatin1Char(' '));
@@ -124,7 +96,7 @@ void ConflictsPane::ShowView(int view)
     m_view = view;
     m_explained.reset();
     m_fullText.clear();
-    m_conflicts = KeptConflicts(m_window.workspace(), view);
+    m_conflicts = ConflictsOf(m_window.workspace(), view);
     const QSignalBlocker quiet(list);
     list->clear();
     for (int i = 0; i < static_cast<int>(m_conflicts.size()); ++i)
@@ -156,7 +128,7 @@ QString ConflictsPane::RowText(int i) const
     Workspace& ws = m_window.workspace();
     const Conflict& c = m_conflicts[static_cast<std::size_t>(i)];
     QString row = CellRowName(ws, m_view, c.row) + QStringLiteral(", ") + CellColumnName(ws, m_view, c.column)
-                + QStringLiteral(": ") + KindWords(c.kind);
+                + QStringLiteral(": ") + KindText(c.kind);
     if (m_explained && i < static_cast<int>(m_explained->conflicts.size())) {
         const ConflictExplanation& e = m_explained->conflicts[static_cast<std::size_t>(i)];
         if (e.conflict.kind != ConflictKind::Relation)

@@ -18,18 +18,6 @@ quint64 Key(int row, int column)
     return (static_cast<quint64>(static_cast<quint32>(row)) << 32) | static_cast<quint32>(column);
 }
 
-const LrResults* LrOf(const Workspace& ws, int view)
-{
-    const ViewInfo* info = FindView(view);
-    return info && info->lrResults ? &(ws.*info->lrResults) : nullptr;
-}
-
-const PrecedenceResults* PrecedenceOf(const Workspace& ws, int view)
-{
-    const ViewInfo* info = FindView(view);
-    return info && info->precedenceResults ? &(ws.*info->precedenceResults) : nullptr;
-}
-
 } // namespace
 
 TableModel::TableModel(Workspace& workspace, QObject* parent)
@@ -50,20 +38,14 @@ void TableModel::ShowView(int view)
         if (view == View::LL) {
             m_rows = m_ws.ll.synta.Rows();
             m_columns = m_ws.ll.synta.Columns();
-            for (const Conflict& conflict : LLConflicts(m_ws.ll.synta))
-                m_conflicts.insert(Key(conflict.row, conflict.column));
-        } else if (const LrResults* lr = LrOf(m_ws, view)) {
+        } else if (const LrResults* lr = LrResultsOf(m_ws, view)) {
             m_rows = lr->States();
             m_columns = g.lastCode + 1;
-            for (const Conflict& conflict : lr->conflicts)
-                m_conflicts.insert(Key(conflict.row, conflict.column));
-        } else if (const PrecedenceResults* p = PrecedenceOf(m_ws, view)) {
+        } else if (const PrecedenceResults* p = PrecedenceResultsOf(m_ws, view)) {
             m_rows = m_columns = p->Size();
-            const ConflictMethod method = view == View::SPR ? ConflictMethod::SimplePrecedence
-                                                            : ConflictMethod::OperatorPrecedence;
-            for (const Conflict& conflict : PrecedenceConflicts(p->synta, method))
-                m_conflicts.insert(Key(conflict.row, conflict.column));
         }
+        for (const Conflict& conflict : ConflictsOf(m_ws, view))
+            m_conflicts.insert(Key(conflict.row, conflict.column));
     }
     endResetModel();
 }
@@ -82,10 +64,10 @@ QString TableModel::CellText(int row, int column) const
 {
     if (m_view == View::LL)
         return m_ws.ll.synta.CellText(row, column);
-    if (const LrResults* lr = LrOf(m_ws, m_view)) {
+    if (const LrResults* lr = LrResultsOf(m_ws, m_view)) {
         return LrEntryText(m_ws.grammar, lr->States(), column, RowEntry(lr->rows[row], column));
     }
-    if (const PrecedenceResults* p = PrecedenceOf(m_ws, m_view)) {
+    if (const PrecedenceResults* p = PrecedenceResultsOf(m_ws, m_view)) {
         const Settings& s = m_ws.settings;
         QStringList marks;
         for (int code : p->Cell(row, column))
@@ -111,7 +93,7 @@ QVariant TableModel::data(const QModelIndex& index, int role) const
     case Qt::BackgroundRole:
         if (IsConflict(index.row(), index.column()))
             return QBrush(QColor(0xff, 0xc8, 0xc8));
-        if (LrOf(m_ws, m_view) && m_ws.grammar.IsNonterminal(index.column()))
+        if (LrResultsOf(m_ws, m_view) && m_ws.grammar.IsNonterminal(index.column()))
             return QBrush(QColor(0xf4, 0xf6, 0xfb));  // the goto part
         return QVariant();
     case Qt::ForegroundRole: {
@@ -128,7 +110,7 @@ QVariant TableModel::data(const QModelIndex& index, int role) const
         // Every action that wanted a conflicting cell; the rule behind a reduce.
         if (IsConflict(index.row(), index.column()))
             return ConflictDescription(m_ws, m_view, index.row(), index.column());
-        if (const LrResults* lr = LrOf(m_ws, m_view)) {
+        if (const LrResults* lr = LrResultsOf(m_ws, m_view)) {
             const int entry = RowEntry(lr->rows[index.row()], index.column());
             if (entry < 0)
                 return NumberedRule(m_ws.grammar, -entry);
@@ -144,11 +126,11 @@ QVariant TableModel::headerData(int section, Qt::Orientation orientation, int ro
     if (role != Qt::DisplayRole && role != Qt::ToolTipRole)
         return QAbstractTableModel::headerData(section, orientation, role);
     const Grammar& g = m_ws.grammar;
-    if (orientation == Qt::Vertical && LrOf(m_ws, m_view)) {
+    if (orientation == Qt::Vertical && LrResultsOf(m_ws, m_view)) {
         if (role == Qt::DisplayRole)
             return QString::number(section);  // states
         // The state with the symbol that leads into it, as the item listing heads it.
-        const LrResults& lr = *LrOf(m_ws, m_view);
+        const LrResults& lr = *LrResultsOf(m_ws, m_view);
         QString tip = QStringLiteral("State ") + QString::number(section);
         if (section > 0 && section < lr.accessing.size())
             tip += QStringLiteral(" (") + g.GetSymbolS(lr.accessing[section]) + QLatin1Char(')');

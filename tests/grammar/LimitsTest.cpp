@@ -18,20 +18,6 @@
 
 namespace {
 
-/// Grammar text from rule lines: the goal line is the left side of the first rule.
-QString GrammarOf(const QStringList& rules)
-{
-    const QString goal = rules.first().left(rules.first().indexOf(QLatin1Char('=')));
-    return goal + QStringLiteral("\r\n") + rules.join(QStringLiteral("\r\n"));
-}
-QString GrammarOf(std::initializer_list<const char*> rules)
-{
-    QStringList lines;
-    for (const char* rule : rules)
-        lines << QString::fromUtf8(rule);
-    return GrammarOf(lines);
-}
-
 // ---- The left-recursion test -------------------------------------------------------------
 
 /// The search of note [left-recursion search] as it reads, one call per rule:

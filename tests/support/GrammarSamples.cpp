@@ -14,6 +14,20 @@ QString Lines(std::initializer_list<const char*> lines)
     return list.join(QStringLiteral("\r\n"));
 }
 
+QString GrammarOf(const QStringList& rules)
+{
+    const QString goal = rules.first().left(rules.first().indexOf(QLatin1Char('=')));
+    return goal + QStringLiteral("\r\n") + rules.join(QStringLiteral("\r\n"));
+}
+
+QString GrammarOf(std::initializer_list<const char*> rules)
+{
+    QStringList lines;
+    for (const char* rule : rules)
+        lines << QString::fromUtf8(rule);
+    return GrammarOf(lines);
+}
+
 std::vector<std::vector<int>> RandomSentences(const Grammar& g, int count, std::mt19937& rng)
 {
     const auto at = [](int code) { return static_cast<std::size_t>(code); };

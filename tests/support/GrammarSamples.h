@@ -15,6 +15,10 @@
 /// Lines joined by CR LF.
 QString Lines(std::initializer_list<const char*> lines);
 
+/// A grammar text from rule lines: the goal line is the left side of the first rule.
+QString GrammarOf(const QStringList& rules);
+QString GrammarOf(std::initializer_list<const char*> rules);
+
 /// A frontend for the analysis run that records what it is asked.
 class RecordingFrontend final : public AnalysisFrontend {
 public:

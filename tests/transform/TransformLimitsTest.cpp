@@ -17,19 +17,6 @@
 
 namespace {
 
-QString GrammarOf(const QStringList& rules)
-{
-    const QString goal = rules.first().left(rules.first().indexOf(QLatin1Char('=')));
-    return goal + QStringLiteral("\r\n") + rules.join(QStringLiteral("\r\n"));
-}
-QString GrammarOf(std::initializer_list<const char*> rules)
-{
-    QStringList lines;
-    for (const char* rule : rules)
-        lines << QString::fromUtf8(rule);
-    return GrammarOf(lines);
-}
-
 /// levels non-terminals, each starting twice with the one before, the first
 /// with the last: removing the left recursion doubles the rules at every level.
 QString Layered(int levels)
