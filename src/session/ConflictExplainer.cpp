@@ -3,6 +3,7 @@
 #include "session/ConflictExplainer.h"
 
 #include "session/AnalysisRun.h"
+#include "session/ParserWalk.h"
 #include "session/TableCells.h"
 #include "session/Views.h"
 
@@ -138,7 +139,8 @@ public:
         return QStringLiteral("reduce by rule %1 %2").arg(-entry).arg(RuleText(m_g, -entry));
     }
 
-    ConflictExplanation Lr(const LrResults& lr, const std::vector<std::vector<int>>& prefixes, const Conflict& c)
+    ConflictExplanation Lr(const LrResults& lr, const ParserWalk& walk, const std::vector<std::vector<int>>& prefixes,
+                           const Conflict& c)
     {
         ConflictExplanation e;
         e.conflict = c;
@@ -152,8 +154,48 @@ public:
             e.rules.push_back(-c.kept);
         e.rules.push_back(reduced);
         e.prefix = prefixes[c.row];
-        const int cut = static_cast<int>(e.prefix.size());
         const int a = c.column;
+
+        // First the automaton itself: a parser of sentential forms walked over
+        // a viable prefix into the state, once per action.
+        const ParserWalk::Action keptAction{c.kept > 0, c.kept > 0 ? 0 : -c.kept};
+        const ParserWalk::Action refusedAction{false, reduced};
+        // The shortest prefix, then (made only when it is not enough) one
+        // after which the refused reduce can read the look-ahead (in LALR(1)
+        // not every way into the state can), then other short ones.
+        std::vector<std::vector<int>> candidates{e.prefix};
+        bool more = true;
+        auto widen = [&] {
+            more = false;
+            SearchBudget budget = Budget();
+            std::vector<int> reducing = walk.PrefixForReduce(c.row, a, reduced, budget);
+            if (!reducing.empty() && reducing != e.prefix)
+                candidates.push_back(std::move(reducing));
+            for (std::vector<int>& p : walk.PrefixesTo(c.row, 5))
+                if (std::find(candidates.begin(), candidates.end(), p) == candidates.end())
+                    candidates.push_back(std::move(p));
+        };
+        for (std::size_t i = 0; !m_stopped; ++i) {
+            if (i == candidates.size() && more)
+                widen();
+            if (i == candidates.size())
+                break;
+            // The shortest prefix is the likeliest: it gets the larger share.
+            const int share = i == 0 ? 4 : 16;
+            SearchBudget budget(m_options.budgetMs / share, m_options.maxTrees / share, [this] { return Stopped(); });
+            DerivationTree one, two;
+            if (walk.Unify(candidates[i], a, keptAction, refusedAction, budget, one, two)) {
+                e.example.unifying = true;
+                e.example.goalRooted = true;
+                e.example.derivations = {one, two};
+                Finish(m_rules, e.example);
+                e.example.sentence = e.example.forms.front();
+                return e;
+            }
+        }
+        if (m_stopped)
+            return e;
+        const int cut = static_cast<int>(e.prefix.size());
 
         // Unifying: two trees of one form, one reducing the rejected rule right
         // before the look-ahead, the other not (it shifts, or reduces the kept rule there).
@@ -178,10 +220,13 @@ public:
             return false;
         };
         {
-            std::vector<int> start{m_rules.Left(reduced)};
-            if (c.kept < 0 && m_rules.Left(-c.kept) != start.front())
-                start.push_back(m_rules.Left(-c.kept));
-            SearchBudget budget = Budget();
+            const int refusedLeft = m_rules.Left(reduced);
+            const int keptLeft = c.kept < 0 ? m_rules.Left(-c.kept) : refusedLeft;
+            const std::vector<int> start = keptLeft != refusedLeft ? std::vector<int>{refusedLeft, keptLeft}
+                                                                   : std::vector<int>{refusedLeft};
+            // The second chance: forms rooted near the rules, for ambiguities
+            // that need another way into the state than the walks tried.
+            SearchBudget budget(m_options.budgetMs / 2, m_options.maxTrees / 2, [this] { return Stopped(); });
             TreeSearch search(m_rules, budget);
             // Short forms first over every root, so that one root whose forms
             // multiply fast does not spend the budget of the others.
@@ -209,7 +254,33 @@ public:
         if (m_stopped)
             return e;
 
-        // Nonunifying: from <'>, the prefix and the look-ahead, once per action.
+        // Nonunifying: each action's walk completed on its own by the
+        // shortest remaining items, over the first prefix that lets both read
+        // the look-ahead.
+        for (const std::vector<int>& prefix : candidates) {
+            SearchBudget budget = Budget();
+            DerivationTree one, two;
+            if (walk.Complete(prefix, a, keptAction, budget, one) && walk.Complete(prefix, a, refusedAction, budget, two)) {
+                e.example.goalRooted = true;
+                e.example.derivations = {one, two};
+                Finish(m_rules, e.example);
+                e.example.unifying = e.example.forms[0] == e.example.forms[1];
+                e.example.sentence = e.example.forms[0];
+                if (!e.example.unifying) {
+                    // The part both forms share: the prefix, the look-ahead and what follows alike.
+                    std::size_t same = 0;
+                    while (same < e.example.forms[0].size() && same < e.example.forms[1].size()
+                           && e.example.forms[0][same] == e.example.forms[1][same])
+                        ++same;
+                    e.example.sentence.resize(same);
+                }
+                return e;
+            }
+            if (m_stopped)
+                return e;
+        }
+
+        // Last: from <'>, the prefix and the look-ahead, once per action, by the tree search.
         std::vector<int> target = e.prefix;
         if (a != 0)
             target.push_back(a);
@@ -516,10 +587,11 @@ Explanations ExplainConflicts(Workspace& workspace, int view, const ExplainOptio
     if (info.lrResults) {
         const LrResults& lr = workspace.*(info.lrResults);
         const std::vector<std::vector<int>> prefixes = ShortestPrefixes(lr);
+        const ParserWalk walk(workspace.grammar, lr);
         for (const Conflict& c : lr.conflicts) {
             if (explainer.Stopped())
                 break;
-            out.conflicts.push_back(explainer.Lr(lr, prefixes, c));
+            out.conflicts.push_back(explainer.Lr(lr, walk, prefixes, c));
             out.conflicts.back().notes = StrongerMethodNotes(workspace, view, c.row, c.column);
         }
     } else if (info.precedenceResults) {

@@ -121,4 +121,21 @@ TEST(CliInterrupt, StopsTheComputationAndWritesNothing)
     }
 }
 
+TEST(CliInterrupt, StopsTheConflictExplanations)
+{
+    // python's LALR(1) table is built in a blink; its 68 conflicts, none of
+    // them an ambiguity, keep the counterexample search busy for seconds.
+    const QString folder = ScratchDir(QStringLiteral("cli-interrupt-explain"));
+    const QByteArray grammar = FileBytes(CorpusDir() + QStringLiteral("/python.tkg"));
+    ASSERT_FALSE(grammar.isEmpty());
+    ASSERT_TRUE(WriteFileBytes(folder + QStringLiteral("/python.tkg"), grammar));
+    ASSERT_TRUE(WriteFileBytes(folder + QStringLiteral("/TRELK.ini"), ""));
+    const QStringList args{QStringLiteral("explain"), QStringLiteral("python.tkg"), QStringLiteral("lalr")};
+    const StoppedRun r = Interrupt(folder, args, 1500);
+    EXPECT_EQ(r.run.status, 130);
+    EXPECT_EQ(r.run.err, QStringLiteral("trelk-cli: explain stopped by the user (interrupt).\n"));
+    EXPECT_EQ(r.run.out, QString());
+    EXPECT_LT(r.cpuMsAfterSignal, 1000);
+}
+
 } // namespace
