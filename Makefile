@@ -4,7 +4,7 @@ BUILD ?= build
 CMAKE_FLAGS ?= -DCMAKE_BUILD_TYPE=Release
 EXAMPLE ?= examples/expr.tkg
 
-.PHONY: all deps configure build run test bench bench-gui screenshot clean
+.PHONY: all deps configure build run test bench bench-explain bench-gui screenshot clean
 
 all: build
 
@@ -34,6 +34,11 @@ test: build
 bench: build
 	./$(BUILD)/bin/trelk-bench
 	python3 bench/compare.py --cli $(BUILD)/bin/trelk-cli
+
+# Conflict explanations against bison -Wcex on the corpus (the peer runs up to
+# 15 minutes on a grammar; the whole run takes about 40).
+bench-explain: build
+	python3 bench/explain_compare.py --cli $(BUILD)/bin/trelk-cli
 
 # The main window offscreen on the large corpus grammars: Analyse-to-shown per view.
 bench-gui: build

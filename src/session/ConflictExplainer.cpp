@@ -109,6 +109,55 @@ void Finish(const RuleTable& rules, Counterexample& ex)
     }
 }
 
+/// Cuts a counterexample found from <'> down to the smallest pair of
+/// subtrees, one of each tree, with one symbol and one first leaf, that still
+/// holds the clash: both begin no later than the refused rule's leaves and go
+/// past the look-ahead at leaf `cut` (a unifying pair also ends alike). What
+/// lies outside them is context both actions share, so the example says the
+/// same in fewer symbols.
+void Trim(const RuleTable& rules, Counterexample& ex, int reduced, int cut, int lookahead)
+{
+    const std::vector<SpannedNode> one = InnerNodes(ex.derivations[0]);
+    const std::vector<SpannedNode> two = InnerNodes(ex.derivations[1]);
+    int from = -1;
+    for (const SpannedNode& n : two)
+        if (n.node->rule == reduced && n.end == cut)
+            from = n.begin;
+    if (from < 0)
+        return;
+    auto covers = [&](const SpannedNode& n) { return n.begin <= from && (n.end > cut || (lookahead == 0 && n.end == cut)); };
+    const SpannedNode* best[2] = {nullptr, nullptr};
+    int bestSize = 0;
+    for (const SpannedNode& a : one) {
+        if (!covers(a))
+            continue;
+        for (const SpannedNode& b : two) {
+            if (b.node->symbol != a.node->symbol || b.begin != a.begin || !covers(b) || (ex.unifying && b.end != a.end))
+                continue;
+            const int size = (a.end - a.begin) + (b.end - b.begin);
+            // On a tie the later pair in preorder, the deeper one, wins.
+            if ((best[0] == nullptr || size <= bestSize) && *a.node != *b.node) {
+                best[0] = &a;
+                best[1] = &b;
+                bestSize = size;
+            }
+        }
+    }
+    if (best[0] == nullptr || best[0]->node == &ex.derivations[0])
+        return;
+    std::vector<DerivationTree> trees{*best[0]->node, *best[1]->node};
+    ex.derivations = std::move(trees);
+    ex.goalRooted = false;
+    Finish(rules, ex);
+    ex.sentence = ex.forms[0];
+    if (!ex.unifying) {
+        std::size_t same = 0;
+        while (same < ex.forms[0].size() && same < ex.forms[1].size() && ex.forms[0][same] == ex.forms[1][same])
+            ++same;
+        ex.sentence.resize(same);
+    }
+}
+
 class Explainer {
 public:
     Explainer(Workspace& ws, int view, const ExplainOptions& options)
@@ -181,7 +230,7 @@ public:
             if (i == candidates.size())
                 break;
             // The shortest prefix is the likeliest: it gets the larger share.
-            const int share = i == 0 ? 4 : 16;
+            const int share = i == 0 ? 8 : 32;
             SearchBudget budget(m_options.budgetMs / share, m_options.maxTrees / share, [this] { return Stopped(); });
             DerivationTree one, two;
             if (walk.Unify(candidates[i], a, keptAction, refusedAction, budget, one, two)) {
@@ -190,6 +239,7 @@ public:
                 e.example.derivations = {one, two};
                 Finish(m_rules, e.example);
                 e.example.sentence = e.example.forms.front();
+                Trim(m_rules, e.example, reduced, walk.LeavesOf(candidates[i]), a);
                 return e;
             }
         }
@@ -226,7 +276,7 @@ public:
                                                                    : std::vector<int>{refusedLeft};
             // The second chance: forms rooted near the rules, for ambiguities
             // that need another way into the state than the walks tried.
-            SearchBudget budget(m_options.budgetMs / 2, m_options.maxTrees / 2, [this] { return Stopped(); });
+            SearchBudget budget(m_options.budgetMs / 4, m_options.maxTrees / 4, [this] { return Stopped(); });
             TreeSearch search(m_rules, budget);
             // Short forms first over every root, so that one root whose forms
             // multiply fast does not spend the budget of the others.
@@ -274,6 +324,7 @@ public:
                         ++same;
                     e.example.sentence.resize(same);
                 }
+                Trim(m_rules, e.example, reduced, walk.LeavesOf(prefix), a);
                 return e;
             }
             if (m_stopped)

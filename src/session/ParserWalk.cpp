@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <deque>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace {
@@ -185,13 +186,27 @@ bool ParserWalk::Apply(Stack& stack, const Op& op) const
     return true;
 }
 
-ParserWalk::Stack ParserWalk::Walk(const std::vector<int>& prefix) const
+ParserWalk::Stack ParserWalk::Walk(const std::vector<int>& prefix, std::vector<Op>& ops) const
 {
     Stack stack{0};
-    for (int symbol : prefix)
-        if (!Apply(stack, {true, symbol}))
+    for (int symbol : prefix) {
+        ops.push_back({true, symbol});
+        // A non-terminal of the prefix that the state can reduce from an
+        // empty rule is taken so: the same state, and one leaf fewer.
+        for (int r : Reduces(stack.back()))
+            if (m_g.ruleIsEmpty[r] && m_g.rules[r][0] == symbol)
+                ops.back() = {false, r};
+        if (!Apply(stack, ops.back()))
             return {};
+    }
     return stack;
+}
+
+int ParserWalk::LeavesOf(const std::vector<int>& prefix) const
+{
+    std::vector<Op> ops;
+    Walk(prefix, ops);
+    return static_cast<int>(std::count_if(ops.begin(), ops.end(), [](const Op& op) { return op.shift; }));
 }
 
 bool ParserWalk::Accepting(const Stack& stack) const
@@ -249,11 +264,9 @@ bool ParserWalk::Enter(Stack& stack, int lookahead, Action action, std::vector<O
     return false;
 }
 
-DerivationTree ParserWalk::Build(const std::vector<int>& prefix, const std::vector<Op>& ops) const
+DerivationTree ParserWalk::Build(const std::vector<Op>& ops) const
 {
     std::vector<DerivationTree> trees;
-    for (int symbol : prefix)
-        trees.push_back({symbol, -1, {}});
     for (const Op& op : ops) {
         if (op.shift) {
             trees.push_back({op.value, -1, {}});
@@ -322,7 +335,14 @@ bool ParserWalk::CompleteFrom(Stack& stack, std::vector<Op>& ops, SearchBudget& 
             std::vector<Op> taken;
             bool ok = true;
             for (int k = m_items->Dot(item); ok && k < m_items->Length(rule); ++k) {
-                taken.push_back({true, m_g.rules[rule][static_cast<std::size_t>(k) + 1]});
+                // A symbol with an empty rule the state offers is reduced from
+                // it: the form is shorter by a leaf.
+                const int symbol = m_g.rules[rule][static_cast<std::size_t>(k) + 1];
+                const std::vector<int>& reduces = Reduces(next.back());
+                const auto empty = std::find_if(reduces.begin(), reduces.end(), [&](int r) {
+                    return m_g.ruleIsEmpty[r] && m_g.rules[r][0] == symbol;
+                });
+                taken.push_back(empty != reduces.end() ? Op{false, *empty} : Op{true, symbol});
                 ok = Apply(next, taken.back());
             }
             taken.push_back({false, rule});
@@ -342,32 +362,33 @@ bool ParserWalk::CompleteFrom(Stack& stack, std::vector<Op>& ops, SearchBudget& 
 bool ParserWalk::Complete(const std::vector<int>& prefix, int lookahead, Action action, SearchBudget& budget,
                           DerivationTree& tree) const
 {
-    Stack stack = Walk(prefix);
     std::vector<Op> ops;
+    Stack stack = Walk(prefix, ops);
     if (stack.empty() || !Enter(stack, lookahead, action, ops, budget))
         return false;
     if (!CompleteFrom(stack, ops, budget))
         return false;
-    tree = Build(prefix, ops);
+    tree = Build(ops);
     return true;
 }
 
 bool ParserWalk::Unify(const std::vector<int>& prefix, int lookahead, Action first, Action second,
                        SearchBudget& budget, DerivationTree& one, DerivationTree& two) const
 {
-    Stack start = Walk(prefix);
+    std::vector<Op> ops1;
+    Stack start = Walk(prefix, ops1);
     if (start.empty())
         return false;
     Stack s1 = start, s2 = start;
-    std::vector<Op> ops1, ops2;
+    std::vector<Op> ops2 = ops1;
     if (!Enter(s1, lookahead, first, ops1, budget) || !Enter(s2, lookahead, second, ops2, budget))
         return false;
     if (lookahead == 0) {
         // Nothing follows the end marker: both walks must be at the accept already.
         if (!Accepting(s1) || !Accepting(s2))
             return false;
-        one = Build(prefix, ops1);
-        two = Build(prefix, ops2);
+        one = Build(ops1);
+        two = Build(ops2);
         return true;
     }
     // Both walks advanced over the same symbols; reduces are free, shifts
@@ -377,12 +398,11 @@ bool ParserWalk::Unify(const std::vector<int>& prefix, int lookahead, Action fir
         int parent;
         int side;  ///< 0: both shift; 1, 2: that walk reduces
         Op op;
+        int cost;  ///< the symbols shifted since the conflict
+        std::uint64_t key;
     };
-    std::vector<Node> nodes{{s1, s2, -1, 0, {true, 0}}};
-    std::deque<int> queue{0};
-    // Pairs met before are known by a hash of both stacks: a clash of two
-    // hashes can only pass over a pair, never make a wrong example.
-    std::unordered_set<std::uint64_t> seen;
+    // Pairs are known by a hash of both stacks: a clash of two hashes can
+    // only pass over a pair, never make a wrong example.
     auto key = [](const Stack& a, const Stack& b) {
         std::uint64_t h = 0x9E3779B97F4A7C15ull ^ a.size();
         for (int v : a)
@@ -392,20 +412,36 @@ bool ParserWalk::Unify(const std::vector<int>& prefix, int lookahead, Action fir
             h = (h ^ static_cast<std::uint32_t>(v)) * 0x100000001B3ull;
         return h;
     };
-    seen.insert(key(s1, s2));
+    std::vector<Node> nodes{{s1, s2, -1, 0, {true, 0}, 0, key(s1, s2)}};
+    std::deque<int> queue{0};
+    // The fewest shifts each pair was reached with. A pair reached again more
+    // cheaply is taken again: a non-terminal shifted whole and the same one
+    // reduced from an empty rule meet on one pair, and the empty rule, which
+    // adds no leaf, is the shorter example.
+    std::unordered_map<std::uint64_t, int> cheapest{{nodes[0].key, 0}};
     const std::size_t deepest = start.size() + kDeeper;
-    auto add = [&](Stack a, Stack b, int parent, int side, Op op, bool cheap) {
-        if (a.size() > deepest || b.size() > deepest || !seen.insert(key(a, b)).second)
+    auto add = [&](Stack a, Stack b, int parent, int side, Op op, bool shift) {
+        if (a.size() > deepest || b.size() > deepest)
             return;
-        nodes.push_back({std::move(a), std::move(b), parent, side, op});
+        const int cost = nodes[parent].cost + (shift ? 1 : 0);
+        const std::uint64_t k = key(a, b);
+        const auto [it, fresh] = cheapest.try_emplace(k, cost);
+        if (!fresh) {
+            if (it->second <= cost)
+                return;
+            it->second = cost;
+        }
+        nodes.push_back({std::move(a), std::move(b), parent, side, op, cost, k});
         const int index = static_cast<int>(nodes.size()) - 1;
-        cheap ? queue.push_front(index) : queue.push_back(index);
+        shift ? queue.push_back(index) : queue.push_front(index);
     };
     while (!queue.empty()) {
         if (!budget.Spend())
             return false;
         const int at = queue.front();
         queue.pop_front();
+        if (cheapest[nodes[at].key] < nodes[at].cost)
+            continue;  // reached since at a lower cost
         // Once both walks stand on one stack, whatever follows reads alike
         // for both: the shortest completion finishes the two of them.
         if (nodes[at].one == nodes[at].two) {
@@ -424,36 +460,36 @@ bool ParserWalk::Unify(const std::vector<int>& prefix, int lookahead, Action fir
                 return false;
             ops1.insert(ops1.end(), rest.begin(), rest.end());
             ops2.insert(ops2.end(), rest.begin(), rest.end());
-            one = Build(prefix, ops1);
-            two = Build(prefix, ops2);
+            one = Build(ops1);
+            two = Build(ops2);
             return true;
         }
         // Copies: adding nodes moves the ones held.
-        const Stack one = nodes[at].one, two = nodes[at].two;
+        const Stack first = nodes[at].one, second = nodes[at].two;
         for (int side = 1; side <= 2; ++side) {
-            const Stack& mine = side == 1 ? one : two;
+            const Stack& mine = side == 1 ? first : second;
             for (int rule : Reduces(mine.back())) {
                 Stack next = mine;
                 if (!Apply(next, {false, rule}))
                     continue;
                 if (side == 1)
-                    add(std::move(next), two, at, 1, {false, rule}, true);
+                    add(std::move(next), second, at, 1, {false, rule}, false);
                 else
-                    add(one, std::move(next), at, 2, {false, rule}, true);
+                    add(first, std::move(next), at, 2, {false, rule}, false);
             }
         }
         // Non-terminals first (the row runs by code, terminals before them):
         // a form that keeps a non-terminal says more than one of its sentences.
-        const SparseRow& row = m_lr.rows[one.back()];
+        const SparseRow& row = m_lr.rows[first.back()];
         for (auto it = row.rbegin(); it != row.rend(); ++it) {
             const auto& [symbol, entry] = *it;
-            const int other = entry > 0 && entry < m_lr.States() ? Goto(two.back(), symbol) : 0;
+            const int other = entry > 0 && entry < m_lr.States() ? Goto(second.back(), symbol) : 0;
             if (!other)
                 continue;
-            Stack a = one, b = two;
+            Stack a = first, b = second;
             a.push_back(entry);
             b.push_back(other);
-            add(std::move(a), std::move(b), at, 0, {true, symbol}, false);
+            add(std::move(a), std::move(b), at, 0, {true, symbol}, true);
         }
     }
     return false;

@@ -31,6 +31,10 @@ public:
     ParserWalk(const Grammar& g, const LrResults& lr);
     ~ParserWalk();
 
+    /// The leaves a walk's tree has before the look-ahead when it reads
+    /// prefix: its symbols less the non-terminals taken from empty rules.
+    int LeavesOf(const std::vector<int>& prefix) const;
+
     /// Viable prefixes that lead from state 0 into state, shortest first, at most `most`.
     std::vector<std::vector<int>> PrefixesTo(int state, int most) const;
 
@@ -66,8 +70,9 @@ private:
     const std::vector<int>& Reduces(int state) const;
     /// Applies op to stack; false when the automaton has no such move.
     bool Apply(Stack& stack, const Op& op) const;
-    /// The stack after the prefix; empty when a symbol has no move.
-    Stack Walk(const std::vector<int>& prefix) const;
+    /// The stack after the prefix, with the ops that read it; empty when a
+    /// symbol has no move.
+    Stack Walk(const std::vector<int>& prefix, std::vector<Op>& ops) const;
     /// Takes the conflict's action and reads the look-ahead (reducing as the
     /// automaton allows before it); the ops taken, or false.
     bool Enter(Stack& stack, int lookahead, Action action, std::vector<Op>& ops, SearchBudget& budget) const;
@@ -75,8 +80,8 @@ private:
     /// Walks stack on to the accept by the shortest remaining kernel items,
     /// adding the ops taken; false when it cannot (a cycle of unit rules).
     bool CompleteFrom(Stack& stack, std::vector<Op>& ops, SearchBudget& budget) const;
-    /// The tree of the prefix's leaves with the ops applied, under <'>.
-    DerivationTree Build(const std::vector<int>& prefix, const std::vector<Op>& ops) const;
+    /// The tree the ops build, under <'>.
+    DerivationTree Build(const std::vector<Op>& ops) const;
 
     const Grammar& m_g;
     const LrResults& m_lr;

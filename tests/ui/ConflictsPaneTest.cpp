@@ -34,9 +34,9 @@ const char* const kPlainText =
     "  rejected: reduce by rule 1 <E>=<E>[+]<E>\r\n"
     "  prefix: <E> [+] <E>\r\n"
     "  unifying: <E> [+] <E> [+] <E>\r\n"
-    "    derivation 1: <'>=( <E>=( <E> [+] <E>=( <E> [+] <E> ) ) )\r\n"
+    "    derivation 1: <E>=( <E> [+] <E>=( <E> [+] <E> ) )\r\n"
     "    sentence 1:   [a] [+] [a] [+] [a]\r\n"
-    "    derivation 2: <'>=( <E>=( <E>=( <E> [+] <E> ) [+] <E> ) )\r\n"
+    "    derivation 2: <E>=( <E>=( <E> [+] <E> ) [+] <E> )\r\n"
     "    sentence 2:   [a] [+] [a] [+] [a]\r\n";
 
 struct PaneWindow {
@@ -91,9 +91,9 @@ TEST(ConflictsPane, ChoosingAConflictShowsItsCellTextTreesAndRuleLine)
                              "  rejected: reduce by rule 2 <E>=<E>[+]<E>\n"
                              "  prefix: <E> [+] <E>\n"
                              "  unifying: <E> [+] <E> [+] <E>\n"
-                             "    derivation 1: <'>=( <E>=( <E> [+] <E>=( <E> [+] <E> ) ) )\n"
+                             "    derivation 1: <E>=( <E> [+] <E>=( <E> [+] <E> ) )\n"
                              "    sentence 1:   [a] [+] [a] [+] [a]\n"
-                             "    derivation 2: <'>=( <E>=( <E>=( <E> [+] <E> ) [+] <E> ) )\n"
+                             "    derivation 2: <E>=( <E>=( <E> [+] <E> ) [+] <E> )\n"
                              "    sentence 2:   [a] [+] [a] [+] [a]"));
 
     const DerivationView& trees = *pane.trees;
@@ -103,8 +103,8 @@ TEST(ConflictsPane, ChoosingAConflictShowsItsCellTextTreesAndRuleLine)
     EXPECT_EQ(trees.LeafTexts(1), leaves);
     // The kept shift nests to the right, the refused reduce to the left: the
     // same leaves under different inner nodes.
-    EXPECT_EQ(Parents(trees.Trees()[0]), (std::vector<int>{-1, 0, 1, 1, 1, 4, 4, 4}));
-    EXPECT_EQ(Parents(trees.Trees()[1]), (std::vector<int>{-1, 0, 1, 2, 2, 2, 1, 1}));
+    EXPECT_EQ(Parents(trees.Trees()[0]), (std::vector<int>{-1, 0, 0, 0, 3, 3, 3}));
+    EXPECT_EQ(Parents(trees.Trees()[1]), (std::vector<int>{-1, 0, 1, 1, 1, 0, 0}));
     EXPECT_TRUE(trees.Trees()[0].caption.contains(QStringLiteral("kept: shift to state 3")));
     for (const DerivationView::Placed& tree : trees.Trees()) {
         double bottom = -1, right = -1e9;
