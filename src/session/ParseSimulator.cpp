@@ -472,7 +472,7 @@ bool SimulateParse(const Workspace& workspace, int view, const std::vector<int>&
         return false;
     }
     if (!IsAnalysed(workspace, view)) {
-        error = MethodName(view) + QStringLiteral(" has not been analysed.");
+        error = MethodName(view) + QStringLiteral(" has no table: not analysed, or the method refused the grammar.");
         return false;
     }
     if (!TableFits(workspace, view)) {

@@ -88,7 +88,8 @@ struct SimulateOptions {
 };
 
 /// Runs the sentence through the table of view (6..11, analysed, with its
-/// table kept). False, with error set ("LALR(1) has not been analysed." ...),
+/// table kept). False, with error set ("LALR(1) has no table: not analysed, or the
+/// method refused the grammar." ...),
 /// when there is no table to run.
 bool SimulateParse(const Workspace& workspace, int view, const std::vector<int>& sentence,
                    const SimulateOptions& options, ParseRun& run, QString& error);
