@@ -376,3 +376,38 @@ TEST(ParsePane, TheTreeIsWrittenAsTextAndAsSvg)
     EXPECT_FALSE(pane.ExportTreeSvg(dir + QStringLiteral("/missing/tree.svg")));
     EXPECT_FALSE(win.host.criticals.isEmpty());
 }
+
+TEST(ParsePane, LlAndPrecedenceRunsShowTheirOwnColumnsAndTrees)
+{
+    PaneWindow win(Lines({"<S>", "<S>=[a]<S>", "<S>=[b]"}));
+    win.Analyse(View::LL);
+    ParsePane& pane = win.pane();
+    pane.input->setText(QStringLiteral("a a b"));
+    ASSERT_TRUE(pane.Parse());
+    EXPECT_EQ(pane.Run()->verdict, ParseVerdict::Accepted);
+    // One tree from the goal; a non-terminal not yet predicted stays a leaf.
+    ASSERT_EQ(pane.tree->TreeCount(), 1);
+    EXPECT_EQ(pane.tree->LeafTexts(0), QStringLiteral("[a] <S>").split(QLatin1Char(' ')));
+    EXPECT_EQ(win.w.Text1->textCursor().block().blockNumber(), 1);  // predicted by <S>=[a]<S>
+    pane.GoToStep(2);
+    EXPECT_EQ(pane.tree->LeafTexts(0), QStringLiteral("[a] [a] <S>").split(QLatin1Char(' ')));
+    pane.RunToEnd();
+    EXPECT_EQ(pane.tree->LeafTexts(0), QStringLiteral("[a] [a] [b]").split(QLatin1Char(' ')));
+
+    PaneWindow opr(kExpr);
+    opr.Analyse(View::OPR);
+    ParsePane& precedence = opr.pane();
+    precedence.input->setText(QStringLiteral("a + a"));
+    ASSERT_TRUE(precedence.Parse());
+    EXPECT_EQ(precedence.Run()->verdict, ParseVerdict::Accepted);
+    EXPECT_EQ(opr.Header(0), QStringLiteral("Stack"));
+    EXPECT_EQ(opr.Header(1), QStringLiteral("Relation"));
+    EXPECT_EQ(opr.Header(2), QStringLiteral("Input"));
+    EXPECT_EQ(opr.Header(3), QStringLiteral("Action"));
+    // The first step reads $ against [a]: the handle begins.
+    EXPECT_EQ(opr.Cell(0, 0), QStringLiteral("$"));
+    EXPECT_EQ(opr.Cell(0, 1), QStringLiteral("<."));
+    precedence.RunToEnd();
+    ASSERT_EQ(precedence.tree->TreeCount(), 1);
+    EXPECT_EQ(precedence.tree->LeafTexts(0), QStringLiteral("[a] [+] [a]").split(QLatin1Char(' ')));
+}
