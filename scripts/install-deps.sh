@@ -6,6 +6,7 @@ set -euo pipefail
 packages=(
   cmake ninja-build g++ make pkg-config
   qt6-base-dev qt6-base-dev-tools libgl-dev
+  qt6-svg-dev
   libgtest-dev googletest
   fonts-dejavu-core
   xvfb xauth

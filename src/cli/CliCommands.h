@@ -15,6 +15,7 @@ constexpr int kExitSettings = 1; ///< a numeric setting that holds no number
 constexpr int kExitUsage = 2;
 constexpr int kExitFile = 3;
 constexpr int kExitRequire = 4;  ///< summary --require METHOD: the grammar fails METHOD
+constexpr int kExitRejected = 5; ///< parse: the table rejects the sentence
 constexpr int kExitStopped = 130; ///< stopped by Ctrl-C, as shells report an interrupt
 
 /// Global options, given before the command.
@@ -77,4 +78,6 @@ int CmdCompile(Workspace& workspace, const CliOptions& options, const QStringLis
 /// transform GRAMMAR CODE: writes GRAMMAR's name + "-CODE.tkg" and prints its path.
 /// explain GRAMMAR VIEW [--json] [--budget MS]: the conflicts of VIEW explained.
 int CmdExplain(Workspace& workspace, const CliOptions& options, const QStringList& args);
+/// parse GRAMMAR VIEW SENTENCE [--json] [--trace]: the sentence run through VIEW's table.
+int CmdParse(Workspace& workspace, const CliOptions& options, const QStringList& args);
 int CmdTransform(Workspace& workspace, const CliOptions& options, const QStringList& args);

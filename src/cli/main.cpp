@@ -24,6 +24,9 @@ const char kUsage[] =
     "  explain GRAMMAR VIEW [--json] [--budget MS]\n"
     "                       each conflict of analyser VIEW: its rules, a shortest way in\n"
     "                       and a counterexample (MS: the search time of each, default 500)\n"
+    "  parse GRAMMAR VIEW SENTENCE [--json] [--trace]\n"
+    "                       run SENTENCE (\"[a][+][a]\" or \"a + a\") through the table of\n"
+    "                       analyser VIEW as its sample recognizer would; exit 5 when rejected\n"
     "  transform GRAMMAR CODE\n"
     "                       write GRAMMAR-CODE.tkg beside GRAMMAR, print its path; CODE is\n"
     "                       GR RC RE LF LR UU (group rules, remove cycles, empty rules,\n"
@@ -87,6 +90,7 @@ int main(int argc, char** argv)
         {"compile", 1, 1, CmdCompile},
         {"transform", 2, 2, CmdTransform},
         {"explain", 2, 5, CmdExplain},
+        {"parse", 3, 5, CmdParse},
     };
     for (const Command& c : commands) {
         if (command != QLatin1String(c.name))

@@ -17,7 +17,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSplitter>
-#include <QTextBlock>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -28,12 +27,6 @@ constexpr int kBudgetMs = 200;
 constexpr int kMinBudgetMs = 20;
 constexpr int kPassMs = 4000;
 
-QString Squeezed(QString text)
-{
-    text.remove(QLatin1Char(' '));
-    text.remove(QLatin1Char('\t'));
-    return text;
-}
 
 } // namespace
 
@@ -211,58 +204,7 @@ void ConflictsPane::ShowRow(int row)
         trees->Clear();
     else
         trees->SetTrees(g, e.example.derivations, captions);
-    SelectRuleLines(e.rules);
-}
-
-void ConflictsPane::SelectRuleLines(const std::vector<int>& rules)
-{
-    // Rules keep no line of their own: a rule's line is the first line that
-    // reads as the rule (spaces aside), or one of whose alternatives does,
-    // failing that the first line of its left side.
-    const Grammar& g = m_window.workspace().grammar;
-    GrammarEditor* editor = m_window.Text1;
-    QTextDocument* doc = editor->document();
-    QList<QTextEdit::ExtraSelection> marks;
-    QTextBlock first;
-    for (int r : rules) {
-        if (r <= 0 || r >= static_cast<int>(g.rules.size()))
-            continue;  // rule 0, <'>, has no line of its own
-        const QString rule = RuleText(g, r);
-        const qsizetype equals = rule.indexOf(QLatin1Char('='));
-        const QString left = rule.left(equals + 1);
-        const QString right = rule.mid(equals + 1);
-        QTextBlock found, ofLeft;
-        for (QTextBlock b = doc->begin(); b.isValid() && !found.isValid(); b = b.next()) {
-            const QString line = Squeezed(b.text());
-            if (line == rule)
-                found = b;
-            else if (line.startsWith(left)) {
-                if (!ofLeft.isValid())
-                    ofLeft = b;
-                if (line.mid(left.size()).split(QLatin1Char('|')).contains(right))
-                    found = b;
-            }
-        }
-        if (!found.isValid())
-            found = ofLeft;
-        if (!found.isValid())
-            continue;
-        if (!first.isValid())
-            first = found;
-        QTextEdit::ExtraSelection mark;
-        mark.cursor = QTextCursor(found);
-        mark.cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
-        mark.format.setBackground(QColor(0xffe2a8));
-        mark.format.setProperty(QTextFormat::FullWidthSelection, true);
-        marks << mark;
-    }
-    editor->setExtraSelections(marks);
-    if (first.isValid()) {
-        QTextCursor cursor(first);
-        cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
-        editor->setTextCursor(cursor);
-        editor->ensureCursorVisible();
-    }
+    m_window.Text1->MarkRuleLines(m_window.workspace().grammar, e.rules);
 }
 
 QString ConflictsPane::ExportPath() const

@@ -53,7 +53,6 @@ protected:
 private:
     QString RowText(int i) const;
     void ShowRow(int row);
-    void SelectRuleLines(const std::vector<int>& rules);
 
     frmMain& m_window;
     int m_view = -1;

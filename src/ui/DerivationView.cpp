@@ -4,8 +4,10 @@
 
 #include "grammar/Grammar.h"
 
+#include <QDir>
 #include <QFontMetrics>
 #include <QPainter>
+#include <QSvgGenerator>
 #include <algorithm>
 #include <functional>
 
@@ -39,31 +41,7 @@ protected:
     void paintEvent(QPaintEvent*) override
     {
         QPainter p(this);
-        p.setRenderHint(QPainter::Antialiasing);
-        const QColor edge = palette().color(QPalette::Mid);
-        for (const Placed& tree : m_view.m_trees) {
-            if (!tree.nodes.empty()) {
-                QFont bold = font();
-                bold.setBold(true);
-                p.setFont(bold);
-                p.setPen(palette().color(QPalette::Text));
-                const QRectF root = tree.nodes.front().box;
-                p.drawText(QPointF(tree.left, root.top() - 8), tree.caption);
-                p.setFont(font());
-            }
-            p.setPen(QPen(edge, 1.2));
-            for (const Node& node : tree.nodes)
-                if (node.parent >= 0) {
-                    const QRectF from = tree.nodes[static_cast<std::size_t>(node.parent)].box;
-                    p.drawLine(QPointF(from.center().x(), from.bottom()), QPointF(node.box.center().x(), node.box.top()));
-                }
-            for (const Node& node : tree.nodes) {
-                p.setPen(palette().color(QPalette::Text));
-                p.setBrush(node.leaf ? QColor(0xfff3d6) : QColor(0xdde8f6));
-                p.drawRoundedRect(node.box, 4, 4);
-                p.drawText(node.box, Qt::AlignCenter, node.text);
-            }
-        }
+        m_view.Paint(p, palette(), font());
     }
 
 private:
@@ -96,11 +74,14 @@ void DerivationView::SetTrees(const Grammar& g, const std::vector<DerivationTree
     const qreal top = kMargin + metrics.height() + 6;
     qreal width = kMargin;
     qreal height = 0;
+    // The leaves of all the trees along one bottom row, so that they read as one form.
+    int depth = 0;
+    for (const DerivationTree& tree : trees)
+        depth = std::max(depth, Depth(tree));
     for (std::size_t t = 0; t < trees.size(); ++t) {
         Placed placed;
         placed.caption = captions.value(static_cast<qsizetype>(t));
         placed.left = width;
-        const int depth = Depth(trees[t]);
         qreal nextLeafX = width;
         // Leaves take the next place along the bottom row; an inner node stands
         // above the middle of its children at its own level.
@@ -144,6 +125,63 @@ void DerivationView::SetTrees(const Grammar& g, const std::vector<DerivationTree
     m_canvas->resize(static_cast<int>(width) + 1, static_cast<int>(height) + 1);
     m_canvas->update();
 }
+QSize DerivationView::DrawingSize() const
+{
+    return m_canvas->size();
+}
+
+void DerivationView::Paint(QPainter& p, const QPalette& palette, const QFont& font) const
+{
+    p.setRenderHint(QPainter::Antialiasing);
+    const QColor edge = palette.color(QPalette::Mid);
+    for (const Placed& tree : m_trees) {
+        if (!tree.nodes.empty()) {
+            QFont bold = font;
+            bold.setBold(true);
+            p.setFont(bold);
+            p.setPen(palette.color(QPalette::Text));
+            const QRectF root = tree.nodes.front().box;
+            p.drawText(QPointF(tree.left, root.top() - 8), tree.caption);
+            p.setFont(font);
+        }
+        p.setPen(QPen(edge, 1.2));
+        for (const Node& node : tree.nodes)
+            if (node.parent >= 0) {
+                const QRectF from = tree.nodes[static_cast<std::size_t>(node.parent)].box;
+                p.drawLine(QPointF(from.center().x(), from.bottom()), QPointF(node.box.center().x(), node.box.top()));
+            }
+        for (const Node& node : tree.nodes) {
+            p.setPen(palette.color(QPalette::Text));
+            p.setBrush(node.leaf ? QColor(0xfff3d6) : QColor(0xdde8f6));
+            p.drawRoundedRect(node.box, 4, 4);
+            p.drawText(node.box, Qt::AlignCenter, node.text);
+        }
+    }
+}
+
+bool DerivationView::SaveSvg(const QString& path, const QString& title, QString& error) const
+{
+    const QSize size = DrawingSize();
+    QSvgGenerator svg;
+    svg.setFileName(path);
+    svg.setSize(size);
+    svg.setViewBox(QRect(QPoint(0, 0), size));
+    svg.setTitle(title);
+    svg.setResolution(m_canvas->logicalDpiX());
+    QPainter p;
+    if (!p.begin(&svg)) {
+        error = QStringLiteral("Cannot write ") + QDir::toNativeSeparators(path) + QLatin1Char('.');
+        return false;
+    }
+    p.fillRect(QRect(QPoint(0, 0), size), m_canvas->palette().color(QPalette::Base));
+    Paint(p, m_canvas->palette(), m_canvas->font());
+    if (!p.end()) {
+        error = QStringLiteral("Cannot write ") + QDir::toNativeSeparators(path) + QLatin1Char('.');
+        return false;
+    }
+    return true;
+}
+
 QStringList DerivationView::LeafTexts(int tree) const
 {
     QStringList leaves;

@@ -1,18 +1,20 @@
 /// \file
 /// DerivationView: derivation trees drawn as trees — each node a box with its
 /// symbol, edges from a node to the symbols of its rule's right side, the
-/// leaves along the bottom of each tree. The trees stand side by side, each
+/// leaves of all the trees along one bottom row. The trees stand side by side, each
 /// under a caption, and the view scrolls when they do not fit.
 #pragma once
 
 #include "session/Derivation.h"
 
 #include <QRectF>
+#include <QSize>
 #include <QScrollArea>
 #include <QStringList>
 #include <vector>
 
 class Grammar;
+class QPainter;
 
 class DerivationView final : public QScrollArea {
     Q_OBJECT
@@ -39,6 +41,12 @@ public:
     int TreeCount() const { return static_cast<int>(m_trees.size()); }
     /// The texts of a tree's leaves, left to right.
     QStringList LeafTexts(int tree) const;
+    /// The size the trees take, margins included.
+    QSize DrawingSize() const;
+    /// Draws the trees as the view shows them, in the colours of palette.
+    void Paint(QPainter& painter, const QPalette& palette, const QFont& font) const;
+    /// Writes the drawing as an SVG picture; false, with error set, when the file cannot be written.
+    bool SaveSvg(const QString& path, const QString& title, QString& error) const;
 
 private:
     class Canvas;

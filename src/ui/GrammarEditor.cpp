@@ -2,6 +2,9 @@
 /// The grammar editor with line numbers and notation highlighting.
 #include "ui/GrammarEditor.h"
 
+#include "grammar/Grammar.h"
+#include "session/TableCells.h"
+
 #include <QPainter>
 #include <QRegularExpression>
 #include <QTextBlock>
@@ -173,5 +176,55 @@ void GrammarEditor::PaintLineNumbers(QPaintEvent* event)
                              QString::number(block.blockNumber() + 1));
         top += height;
         block = block.next();
+    }
+}
+
+void GrammarEditor::MarkRuleLines(const Grammar& g, const std::vector<int>& rules)
+{
+    auto squeezed = [](QString text) {
+        text.remove(QLatin1Char(' '));
+        text.remove(QLatin1Char('\t'));
+        return text;
+    };
+    QList<QTextEdit::ExtraSelection> marks;
+    QTextBlock first;
+    for (int r : rules) {
+        if (r <= 0 || r >= static_cast<int>(g.rules.size()))
+            continue;  // rule 0, <'>, has no line of its own
+        const QString rule = RuleText(g, r);
+        const qsizetype equals = rule.indexOf(QLatin1Char('='));
+        const QString left = rule.left(equals + 1);
+        const QString right = rule.mid(equals + 1);
+        QTextBlock found, ofLeft;
+        for (QTextBlock b = document()->begin(); b.isValid() && !found.isValid(); b = b.next()) {
+            const QString line = squeezed(b.text());
+            if (line == rule)
+                found = b;
+            else if (line.startsWith(left)) {
+                if (!ofLeft.isValid())
+                    ofLeft = b;
+                if (line.mid(left.size()).split(QLatin1Char('|')).contains(right))
+                    found = b;
+            }
+        }
+        if (!found.isValid())
+            found = ofLeft;
+        if (!found.isValid())
+            continue;
+        if (!first.isValid())
+            first = found;
+        QTextEdit::ExtraSelection mark;
+        mark.cursor = QTextCursor(found);
+        mark.cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+        mark.format.setBackground(QColor(0xffe2a8));
+        mark.format.setProperty(QTextFormat::FullWidthSelection, true);
+        marks << mark;
+    }
+    setExtraSelections(marks);
+    if (first.isValid()) {
+        QTextCursor cursor(first);
+        cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+        setTextCursor(cursor);
+        ensureCursorVisible();
     }
 }

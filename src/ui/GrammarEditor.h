@@ -6,6 +6,9 @@
 
 #include <QPlainTextEdit>
 #include <QSyntaxHighlighter>
+#include <vector>
+
+class Grammar;
 
 class GrammarHighlighter final : public QSyntaxHighlighter {
 public:
@@ -29,6 +32,12 @@ public:
     /// messages count them) at a position (1-based, on the line cut before its
     /// first "<" with spaces removed); position 0 means the start of the line.
     void GoToMessagePlace(int line, int position);
+    /// Marks the lines of rules of g (rule 0 has none) and selects the first,
+    /// scrolled into view; no rules clears the marks. Rules keep no line of
+    /// their own: a rule's line is the first that reads as the rule (spaces
+    /// aside), or one of whose alternatives does, failing that the first line
+    /// of its left side.
+    void MarkRuleLines(const Grammar& g, const std::vector<int>& rules);
 
     int LineNumberAreaWidth() const;
     void PaintLineNumbers(QPaintEvent* event);

@@ -2,6 +2,7 @@
 /// Pictures of the workbench for the manual.
 #include "ui/Screenshots.h"
 
+#include "ui/ParsePane.h"
 #include "ui/TableGrid.h"
 #include "ui/frmAbout.h"
 #include "ui/frmMain.h"
@@ -12,8 +13,11 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QDockWidget>
 #include <QFile>
+#include <QLineEdit>
 #include <QListWidget>
+#include <QSplitter>
 #include <QThread>
 
 namespace {
@@ -42,6 +46,46 @@ void SelectFirstReduce(frmMain& window)
             }
 }
 
+/// The parse pane on a sentence of the window's grammar (the calculator of the
+/// manual): mid-run with the trace and the forest on the stack, then the
+/// whole tree. Nothing is saved for a grammar whose LALR(1) table rejects its
+/// own example.
+bool SaveParseShots(frmMain& window, const QString& folder)
+{
+    window.SelectView(View::LALR);
+    window.Analyse();
+    ParsePane& pane = *window.parsePane;
+    const Grammar& g = window.workspace().grammar;
+    std::vector<int> tokens;
+    QString error;
+    const QString calc = QStringLiteral("[NUM] [*] [(] [NUM] [+] [NUM] [)] [-] [NUM] [\\n]");
+    pane.input->setText(ReadSentence(g, calc, tokens, error) ? calc : SentenceText(g, ShortestSentence(g)));
+    if (!pane.Parse() || pane.Run()->verdict != ParseVerdict::Accepted)
+        return true;
+    const QSize size = window.size();
+    window.resize(1240, 980);
+    window.parseDock->show();
+    window.resizeDocks({window.parseDock}, {560}, Qt::Vertical);
+    // Mid-run: the step that reduces the parenthesised sum's first operand.
+    const int steps = static_cast<int>(pane.Run()->steps.size());
+    int middle = steps / 2;
+    for (int s = 0; s < steps; ++s)
+        if (pane.Run()->steps[static_cast<std::size_t>(s)].action.contains(QStringLiteral("[+]"))) {
+            middle = s;
+            break;
+        }
+    pane.GoToStep(middle);
+    bool ok = Save(window, folder + QStringLiteral("/simulator.png"));
+    pane.RunToEnd();
+    // The whole tree in sight: its side of the pane widened.
+    if (auto* split = pane.findChild<QSplitter*>())
+        split->setSizes({560, 680});
+    ok &= Save(window, folder + QStringLiteral("/parse-tree.png"));
+    window.parseDock->hide();
+    window.resize(size);
+    return ok;
+}
+
 } // namespace
 
 int TakeScreenshots(frmMain& window, const QString& folder)
@@ -58,6 +102,7 @@ int TakeScreenshots(frmMain& window, const QString& folder)
         SelectFirstReduce(window);
         ok &= Save(window, folder + QStringLiteral("/") + QString::fromLatin1(shot.file));
     }
+    ok &= SaveParseShots(window, folder);
     // The precedence grid on a copy of the example (a run saves its grammar), which has no empty rules.
     const QString grammar = window.workspace().grammar.Path();
     const QString copy = QDir::tempPath() + QStringLiteral("/trelk-screenshot-expr.tkg");

@@ -8,6 +8,7 @@
 #include "storage/GrammarFile.h"
 #include "storage/SettingsFile.h"
 #include "ui/ConflictsPane.h"
+#include "ui/ParsePane.h"
 #include "ui/FileDialogs.h"
 #include "ui/GrammarEditor.h"
 #include "ui/GuiHost.h"
@@ -244,6 +245,19 @@ frmMain::frmMain(Host* messages, const QString& settingsFile)
     showConflicts->setObjectName(QStringLiteral("showConflicts"));
     showConflicts->setToolTip(QStringLiteral("The conflicts of the selected method, each with two derivations of one sentence"));
     bar->addAction(showConflicts);
+    // A sentence parsed step by step with the selected method's table, in a tab beside the conflicts.
+    parsePane = new ParsePane(*this);
+    parseDock = new QDockWidget(QStringLiteral("Parse"), this);
+    parseDock->setObjectName(QStringLiteral("parseDock"));
+    parseDock->setWidget(parsePane);
+    parseDock->setAllowedAreas(Qt::BottomDockWidgetArea | Qt::TopDockWidgetArea);
+    addDockWidget(Qt::BottomDockWidgetArea, parseDock);
+    tabifyDockWidget(conflictsDock, parseDock);
+    parseDock->hide();
+    QAction* showParse = parseDock->toggleViewAction();
+    showParse->setObjectName(QStringLiteral("showParse"));
+    showParse->setToolTip(QStringLiteral("Parse a sentence with the selected method's table, step by step, and watch its tree grow"));
+    bar->addAction(showParse);
 
     sState = new QLabel(QStringLiteral("State:"));
     sState->setObjectName(QStringLiteral("sState"));
@@ -283,6 +297,9 @@ frmMain::~frmMain()
     delete conflictsDock;
     conflictsDock = nullptr;
     conflictsPane = nullptr;
+    delete parseDock;
+    parseDock = nullptr;
+    parsePane = nullptr;
     delete Picture1;
     Picture1 = nullptr;
 }
@@ -533,6 +550,8 @@ void frmMain::HoldCommands()
             m_held.emplace_back(a);
         }
     Image1[0]->parentWidget()->setEnabled(false);  // the view selectors, Items and Recent
+    if (parsePane)
+        parsePane->setEnabled(false);
     Text1->setReadOnly(true);
 }
 
@@ -546,6 +565,8 @@ void frmMain::ReleaseCommands()
             a->setEnabled(true);
     m_held.clear();
     Image1[0]->parentWidget()->setEnabled(true);
+    if (parsePane)
+        parsePane->setEnabled(true);
     Text1->setReadOnly(false);
 }
 
@@ -641,6 +662,8 @@ void frmMain::ShowRunState()
     cellPane->clear();
     if (conflictsPane)
         conflictsPane->ShowView(m_view);
+    if (parsePane)
+        parsePane->ShowView(m_view);
 }
 
 void frmMain::ClearStatusLabels()

@@ -19,6 +19,7 @@
 #include <vector>
 
 class ConflictsPane;
+class ParsePane;
 class GrammarEditor;
 class ListingView;
 class QDockWidget;
@@ -100,6 +101,8 @@ public:
     QPlainTextEdit* cellPane = nullptr;  ///< below the grid: what the chosen cell means
     QDockWidget* conflictsDock = nullptr;  ///< under the window, hidden until asked for
     ConflictsPane* conflictsPane = nullptr;  ///< the conflicts of the selected view and why they arise
+    QDockWidget* parseDock = nullptr;  ///< beside the conflicts, hidden until asked for
+    ParsePane* parsePane = nullptr;    ///< a sentence parsed step by step with the selected view's table
 
     QMenu* mnuFile = nullptr;
     QAction* mnuFileNew = nullptr;
