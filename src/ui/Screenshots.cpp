@@ -3,6 +3,7 @@
 #include "ui/Screenshots.h"
 
 #include "ui/ParsePane.h"
+#include "ui/ConflictsPane.h"
 #include "ui/TableGrid.h"
 #include "ui/frmAbout.h"
 #include "ui/frmMain.h"
@@ -86,6 +87,39 @@ bool SaveParseShots(frmMain& window, const QString& folder)
     return ok;
 }
 
+/// The Conflicts pane on an expression grammar with an ambiguous sum and a
+/// dangling else: the first conflict chosen, its two trees drawn.
+bool SaveConflictShot(frmMain& window, const QString& folder)
+{
+    const QString grammar = window.workspace().grammar.Path();
+    const QString path = QDir::tempPath() + QStringLiteral("/trelk-screenshot-conflicts.tkg");
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return false;
+    file.write("<S>\r\n<S>=[if]<E>[then]<S>\r\n<S>=[if]<E>[then]<S>[else]<S>\r\n<S>=[id][=]<E>\r\n"
+               "<E>=<E>[+]<E>\r\n<E>=[id]\r\n");
+    file.close();
+    bool ok = window.TKGOpen(path);
+    if (ok) {
+        window.SelectView(8);
+        window.Analyse();
+        const QSize size = window.size();
+        window.resize(1270, 980);
+        window.conflictsDock->show();
+        window.conflictsDock->raise();
+        window.conflictsPane->list->setCurrentRow(0);
+        // Both trees in sight: the drawing gets most of the pane.
+        if (auto* split = window.conflictsPane->findChild<QSplitter*>())
+            split->setSizes({190, 330, 750});
+        ok = Save(window, folder + QStringLiteral("/conflicts.png"));
+        window.conflictsDock->hide();
+        window.resize(size);
+    }
+    if (!grammar.isEmpty())
+        window.TKGOpen(grammar);
+    return ok;
+}
+
 } // namespace
 
 int TakeScreenshots(frmMain& window, const QString& folder)
@@ -103,6 +137,7 @@ int TakeScreenshots(frmMain& window, const QString& folder)
         ok &= Save(window, folder + QStringLiteral("/") + QString::fromLatin1(shot.file));
     }
     ok &= SaveParseShots(window, folder);
+    ok &= SaveConflictShot(window, folder);
     // The precedence grid on a copy of the example (a run saves its grammar), which has no empty rules.
     const QString grammar = window.workspace().grammar.Path();
     const QString copy = QDir::tempPath() + QStringLiteral("/trelk-screenshot-expr.tkg");
