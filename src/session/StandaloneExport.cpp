@@ -58,8 +58,10 @@ StandaloneProgramResult StandaloneProgram(Workspace& workspace, int view)
         result.error = QStringLiteral("Standalone C is written for the analyser views only.");
         return result;
     }
+    const QString noTable =
+        QStringLiteral("This method has no table for this grammar: it was not run, or it refused the grammar.");
     if (!IsAnalysed(workspace, view)) {
-        result.error = QStringLiteral("This method is not analysed yet.");
+        result.error = noTable;
         return result;
     }
     Grammar& g = workspace.grammar;
@@ -73,7 +75,7 @@ StandaloneProgramResult StandaloneProgram(Workspace& workspace, int view)
             tables = analyser->TableDisplay();
     }
     if (tables.isEmpty()) {
-        result.error = QStringLiteral("This method built no table for this grammar.");
+        result.error = noTable;
         return result;
     }
     result.program = StandaloneC::Program(g, workspace.settings, names, tables, RecognizerOf(*info));

@@ -94,12 +94,16 @@ std::vector<std::vector<int>> Mutations(const Grammar& g, const std::vector<std:
 
 QString CompileC(const QString& name, const QString& source, QString& errors)
 {
+    return CompileC(name, source, errors, {QStringLiteral("-std=c99"), QStringLiteral("-Wall"), QStringLiteral("-O1")});
+}
+
+QString CompileC(const QString& name, const QString& source, QString& errors, const QStringList& options)
+{
     const QString exe = ScratchDir(QStringLiteral("c-") + name) + QLatin1Char('/') + name;
     if (!WriteFileBytes(exe + QStringLiteral(".c"), source.toUtf8()))
         return QString();
     QProcess gcc;
-    gcc.start(QStringLiteral("gcc"), {QStringLiteral("-std=c99"), QStringLiteral("-Wall"), QStringLiteral("-O1"),
-                                      QStringLiteral("-o"), exe, exe + QStringLiteral(".c")});
+    gcc.start(QStringLiteral("gcc"), options + QStringList{QStringLiteral("-o"), exe, exe + QStringLiteral(".c")});
     const bool built = gcc.waitForFinished(120000) && gcc.exitCode() == 0;
     errors = QString::fromUtf8(gcc.readAllStandardError());
     return built ? exe : QString();

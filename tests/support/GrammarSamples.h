@@ -66,6 +66,9 @@ std::vector<std::vector<int>> Mutations(const Grammar& g, const std::vector<std:
 /// Compiles a C program with gcc into a scratch folder; returns the executable's
 /// path, or "" with the compiler's messages in errors.
 QString CompileC(const QString& name, const QString& source, QString& errors);
+/// The same with the given gcc options before "-o"; with "-fsyntax-only" among
+/// them nothing is built and the path returned names no file.
+QString CompileC(const QString& name, const QString& source, QString& errors, const QStringList& options);
 
 /// Runs a program with the given standard input; returns its standard output.
 QString RunProgram(const QString& program, const QString& input);
