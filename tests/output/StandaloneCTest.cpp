@@ -162,6 +162,25 @@ TEST(StandaloneC, RejectsAtTheTokenWhereTheMethodStops)
               QStringLiteral("Standalone C is written for the analyser views only."));
 }
 
+TEST(StandaloneC, TrelkCliTableStandalonePrintsTheProgram)
+{
+    const QString calc = CorpusDir() + QStringLiteral("/calc.tkg");
+    const CliRun run = Cli({QStringLiteral("table"), calc, QStringLiteral("--standalone"), QStringLiteral("lalr")});
+    ASSERT_EQ(run.status, 0) << run.err.toStdString();
+    EXPECT_TRUE(run.out.startsWith(QStringLiteral("/* A recognizer of the grammar calc, whole:")));
+    const QString exe = Compiled(QStringLiteral("cli-calc"), run.out);
+    ASSERT_FALSE(exe.isEmpty());
+    EXPECT_EQ(RunWith(exe, QStringLiteral("+\n")).out, QStringLiteral("rejected at token 1\n"));
+
+    const CliRun refused = Cli({QStringLiteral("table"), calc, QStringLiteral("ll"), QStringLiteral("--standalone")});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.out, QString());
+    const CliRun extra = Cli({QStringLiteral("table"), calc, QStringLiteral("lalr"), QStringLiteral("--json")});
+    EXPECT_EQ(extra.status, 2);
+    EXPECT_EQ(extra.err, QStringLiteral("trelk-cli: table takes GRAMMAR VIEW [--standalone], not ") + calc
+                             + QStringLiteral(" lalr --json\n"));
+}
+
 // ---- The corpus ----------------------------------------------------------------------
 
 /// The real grammars all, and some of each scaling family.
