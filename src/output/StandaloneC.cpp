@@ -157,6 +157,9 @@ Settings TableSettings(const Settings& settings)
     Settings s = settings;
     s.generateRecognizer = 1;
     s.tokenPrefix.clear();
+    // The sample get_rule_len of the LL(1) text reads RULE: keep the table before it.
+    if (!CTables::WantsRuleTable(s))
+        s.generateRules = 1;
     return s;
 }
 

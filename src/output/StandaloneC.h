@@ -30,7 +30,8 @@ QString FunctionName(Recognizer recognizer);
 QStringList Identifiers(const Grammar& g);
 
 /// The settings the tables of a standalone program are written with: the
-/// given ones with the sample recognizer on and no token prefix.
+/// given ones with the sample recognizer on, no token prefix and, when neither
+/// rule table setting is on, "GenerateRules".
 Settings TableSettings(const Settings& settings);
 
 /// The whole program. tables is the analyser's C text written with

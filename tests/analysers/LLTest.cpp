@@ -63,26 +63,17 @@ TEST(LL1, GeneratedRecognizerAgreesWithTheTable)
         SCOPED_TRACE(rc.name);
         LL ll(rc.text);
         ASSERT_TRUE(ll.verdict);
-        ll.ws.settings.generateRecognizer = 1;
         ll.ws.settings.generateRules = rc.rules;
         ll.ws.settings.generateRuleReverse = rc.reverse;
-        // Without a RULE table the sample get_rule_len has nothing to read: leave it out.
-        QString body = Ana06LL(ll.ws).TableDisplay();
-        if (!rc.rules && !rc.reverse)
-            body.replace(QStringLiteral("void get_rule_len() {"), QStringLiteral("void get_rule_len_unused() {"))
-                .replace(QStringLiteral("RULE[rule][count]"), QStringLiteral("0"))
-                .replace(QStringLiteral("rule <= MAX_RULE"), QStringLiteral("rule <= 0"));
         QString errors;
-        const QString exe = CompileC(QString::fromLatin1(rc.name),
-                                     CPrologue(ll.ws.grammar) + body + CDriverMain(QStringLiteral("ll_recognize")),
-                                     errors);
+        const QString exe = CompileStandalone(ll.ws, View::LL, QString::fromLatin1(rc.name), errors);
         ASSERT_FALSE(exe.isEmpty()) << errors.toStdString();
 
         auto sentences = RandomSentences(ll.ws.grammar, 150, rng);
         auto wrong = Mutations(ll.ws.grammar, sentences, rng);
         sentences.insert(sentences.end(), wrong.begin(), wrong.end());
         const int accepted =
-            ExpectRecognizerAgrees(exe, sentences, [&](const std::vector<int>& s) { return SimulateLL(ll.ws, s); });
+            ExpectRecognizerAgrees(exe, ll.ws.grammar, sentences, [&](const std::vector<int>& s) { return SimulateLL(ll.ws, s); });
         EXPECT_GT(accepted, 0);
         EXPECT_LT(accepted, static_cast<int>(sentences.size()));
     }

@@ -264,21 +264,17 @@ TEST(Lr, GeneratedDriverAgreesWithTheTables)
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         Ready s(c.text);
-        s.ws.settings.generateRecognizer = 1;
         Analyse(s.ws, s.fe, c.view);
         ASSERT_TRUE(s.ws.grammar.GetFlag(c.view));
         const LrResults& r = c.view == View::SLR ? s.ws.slr : c.view == View::LALR ? s.ws.lalr : s.ws.lr;
         QString errors;
-        const QString exe = CompileC(QString::fromLatin1(c.name),
-                                     CPrologue(s.ws.grammar) + s.ws.current->TableDisplay()
-                                         + CDriverMain(QStringLiteral("lr_recognize")),
-                                     errors);
+        const QString exe = CompileStandalone(s.ws, c.view, QString::fromLatin1(c.name), errors);
         ASSERT_FALSE(exe.isEmpty()) << errors.toStdString();
         auto sentences = RandomSentences(s.ws.grammar, 150, rng);
         auto wrong = Mutations(s.ws.grammar, sentences, rng);
         sentences.insert(sentences.end(), wrong.begin(), wrong.end());
         const int accepted = ExpectRecognizerAgrees(
-            exe, sentences, [&](const std::vector<int>& sentence) { return SimulateLR(s.ws, r, sentence); });
+            exe, s.ws.grammar, sentences, [&](const std::vector<int>& sentence) { return SimulateLR(s.ws, r, sentence); });
         EXPECT_GT(accepted, 0);
         EXPECT_LT(accepted, static_cast<int>(sentences.size()));
     }

@@ -210,25 +210,21 @@ TEST(Precedence, GeneratedParsersAgreeWithTheSimulation)
     for (const auto& pc : cases) {
         SCOPED_TRACE(pc.name);
         Settings settings;
-        settings.generateRecognizer = 1;
         settings.generateRules = 0;  // the parser brings its own RULE table, in order
         settings.generateRuleReverse = 1;
         Prec p(pc.text, settings);
         ASSERT_EQ(pc.simple ? p.spr : p.opr, pc.passes);
-        const QString function = pc.simple ? QStringLiteral("spr_recognize") : QStringLiteral("opr_recognize");
-        const QString tables = pc.simple ? Ana10SPR(p.ws).TableDisplay() : Ana11OPR(p.ws).TableDisplay();
         QString errors;
-        const QString exe = CompileC(QString::fromLatin1(pc.name),
-                                     CPrologue(p.ws.grammar) + tables + CDriverMain(function), errors);
+        const QString exe =
+            CompileStandalone(p.ws, pc.simple ? View::SPR : View::OPR, QString::fromLatin1(pc.name), errors);
         ASSERT_FALSE(exe.isEmpty()) << errors.toStdString();
-        EXPECT_FALSE(errors.contains(QStringLiteral("warning"))) << errors.toStdString();
 
         const auto sentences = RandomSentences(p.ws.grammar, 150, rng);
         auto all = Mutations(p.ws.grammar, sentences, rng);
         all.insert(all.end(), sentences.begin(), sentences.end());
         all.push_back({});
         const int accepted =
-            ExpectRecognizerAgrees(exe, all, [&](const std::vector<int>& s) { return SimulatePrecedence(p.ws, s, pc.simple); });
+            ExpectRecognizerAgrees(exe, p.ws.grammar, all, [&](const std::vector<int>& s) { return SimulatePrecedence(p.ws, s, pc.simple); });
         if (pc.passes) {
             for (const std::vector<int>& s : sentences)
                 EXPECT_TRUE(SimulatePrecedence(p.ws, s, pc.simple));

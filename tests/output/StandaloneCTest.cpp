@@ -19,8 +19,7 @@ namespace {
 
 const QString kNoTable = QStringLiteral("This method has no table for this grammar: it was not run, or it refused the grammar.");
 
-const QStringList kStrictC{QStringLiteral("-std=c99"), QStringLiteral("-Wall"), QStringLiteral("-Wextra"),
-                           QStringLiteral("-pedantic"), QStringLiteral("-Werror"), QStringLiteral("-O0")};
+const QStringList kStrictC = StrictCOptions();
 
 /// A workspace with text readied by the analysis run.
 struct Ready {
@@ -61,15 +60,6 @@ ProgramRun RunWith(const QString& program, const QString& input)
         run.status = p.exitCode();
     run.out = QString::fromUtf8(p.readAllStandardOutput());
     return run;
-}
-
-/// A token string as the driver reads it: bracketed names, some blank-separated.
-QString SentenceLine(const Grammar& g, const std::vector<int>& tokens)
-{
-    QString line;
-    for (std::size_t i = 0; i < tokens.size(); ++i)
-        line += (i % 3 == 2 ? QStringLiteral(" [") : QStringLiteral("[")) + g.SymbolName(tokens[i]) + QLatin1Char(']');
-    return line;
 }
 
 QString Compiled(const QString& name, const QString& program)

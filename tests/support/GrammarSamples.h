@@ -73,15 +73,18 @@ QString CompileC(const QString& name, const QString& source, QString& errors, co
 /// Runs a program with the given standard input; returns its standard output.
 QString RunProgram(const QString& program, const QString& input);
 
-/// The C prologue that generated tables need: the element types and the token
-/// enumeration (the body of CommentedSymbolsDisplay).
-QString CPrologue(Grammar& g);
+/// gcc's options for generated C: C99, every warning an error, no optimisation.
+QStringList StrictCOptions();
 
-/// A C main() that reads token strings, one per line (codes separated by blanks),
-/// calls recognizer(tokens) with TOK_EOT appended and prints 1 or 0 per line.
-QString CDriverMain(const QString& recognizer);
+/// Compiles the standalone C program of view (StandaloneProgram) with
+/// StrictCOptions; returns the executable's path, or "" with the reason in errors.
+QString CompileStandalone(Workspace& ws, int view, const QString& name, QString& errors);
 
-/// Runs a compiled recognizer (a CDriverMain program) on token strings and
-/// expects its answers to equal simulate's; returns how many strings simulate accepts.
-int ExpectRecognizerAgrees(const QString& program, const std::vector<std::vector<int>>& strings,
+/// A token string as a standalone program reads it: bracketed names, now and
+/// then set apart by a blank.
+QString SentenceLine(const Grammar& g, const std::vector<int>& tokens);
+
+/// Runs a standalone program on token strings and expects its verdicts to equal
+/// simulate's; returns how many strings simulate accepts.
+int ExpectRecognizerAgrees(const QString& program, const Grammar& g, const std::vector<std::vector<int>>& strings,
                            const std::function<bool(const std::vector<int>&)>& simulate);
