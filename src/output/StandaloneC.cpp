@@ -355,7 +355,7 @@ QString Program(const Grammar& g, const Settings& settings, const QStringList& n
         "                return 0;",
         "            }",
         "            if (p[1] == ']') close++; /* \"[]]\": the name runs to the next \"]\" and holds it */",
-        "            /* As in the grammar, blanks inside brackets are no part of the name. */",
+        "            /* As in the grammar, blanks inside brackets do not count. */",
         "            for (n = 0; from < close; from++)",
         "                if (*from != ' ' && *from != '\\t') bracketed[n++] = *from;",
         "            name = bracketed;",
