@@ -6,6 +6,7 @@
 
 #include "session/AnalysisRun.h"
 #include "session/Export.h"
+#include "session/StandaloneExport.h"
 #include "session/Verdicts.h"
 
 #include <QElapsedTimer>
@@ -102,18 +103,36 @@ int RunTable(Workspace& workspace, const QString& path, int view)
     return RequireTable(workspace, view);
 }
 
-int CmdTable(Workspace& workspace, const CliOptions&, const QStringList& args)
+int CmdTable(Workspace& workspace, const CliOptions&, const QStringList& arguments)
 {
+    // "--standalone" may stand anywhere after the command.
+    QStringList args = arguments;
+    const bool standalone = args.removeAll(QStringLiteral("--standalone")) > 0;
+    if (args.size() != 2) {
+        WriteErr(QStringLiteral("trelk-cli: table takes GRAMMAR VIEW [--standalone], not ") + arguments.join(QLatin1Char(' ')));
+        return kExitUsage;
+    }
     const int view = AnalyserView(QStringLiteral("table"), args[1]);
     if (view < 0)
         return kExitUsage;
     if (int status = RunTable(workspace, args[0], view))
         return status;
+    StandaloneProgramResult program;
+    if (standalone) {
+        program = StandaloneProgram(workspace, view);
+        if (!program.error.isEmpty()) {
+            WriteErr(QStringLiteral("trelk-cli: ") + program.error);
+            return kExitGrammar;
+        }
+    }
     if (!Interrupt::BeginResult(Interrupt::Result::Text))
         return kExitStopped;
     std::fflush(stdout);
     StreamSink out(stdout, true);
-    workspace.current->WriteTable(out);
+    if (standalone)
+        out.Write(program.program);
+    else
+        workspace.current->WriteTable(out);
     out.Flush();
     return out.Ok() ? kExitOk : kExitFile;
 }

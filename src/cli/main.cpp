@@ -15,7 +15,9 @@ const char kUsage[] =
     "  check GRAMMAR        parse and check the grammar\n"
     "  view GRAMMAR VIEW    what the output box shows after Analyse on VIEW\n"
     "  sets GRAMMAR --json  nullable marks, FIRST and the follow sets as JSON\n"
-    "  table GRAMMAR VIEW   the C text of analyser VIEW (6-11 or ll slr lalr lr spr opr)\n"
+    "  table GRAMMAR VIEW [--standalone]\n"
+    "                       the C text of analyser VIEW (6-11 or ll slr lalr lr spr opr);\n"
+    "                       --standalone: a whole C program with a recognizer and main()\n"
     "  export GRAMMAR VIEW  write the export file of VIEW beside GRAMMAR, print its path\n"
     "  summary GRAMMAR [--json] [--require METHOD]\n"
     "                       one line per method: verdict, size, conflicts, time\n"
@@ -84,7 +86,7 @@ int main(int argc, char** argv)
         {"check", 1, 1, CmdCheck},
         {"view", 2, 2, CmdView},
         {"sets", 1, 2, CmdSets},
-        {"table", 2, 2, CmdTable},
+        {"table", 2, 3, CmdTable},
         {"export", 2, 2, CmdExport},
         {"summary", 1, 4, CmdSummary},
         {"compile", 1, 1, CmdCompile},

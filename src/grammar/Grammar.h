@@ -10,6 +10,7 @@
 #include "grammar/Limits.h"
 
 #include <QString>
+#include <QStringList>
 #include <array>
 #include <initializer_list>
 #include <optional>
@@ -136,6 +137,9 @@ public:
     /// "SYM_" and the upper-cased name with mnemonics, replacements and
     /// transliteration (SymbolNames.cpp).
     QString GetSymbolName(int code, const QString& endMarkerText) const;
+    /// Identifiers GetSymbolName gives instead, by code from 1, while not empty:
+    /// the standalone C program sets them for the time it writes the tables.
+    QStringList cNames;
     /// The plain symbol listing followed by the body of the token enumeration;
     /// "Not analyzed." until parsed.
     QString CommentedSymbolsDisplay() const;

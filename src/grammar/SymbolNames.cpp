@@ -54,6 +54,8 @@ QString Grammar::GetSymbolName(int code, const QString& endMarkerText) const
 {
     if (code == 0)
         return endMarkerText;
+    if (code < cNames.size())
+        return cNames[code];
     const QString name = SymbolName(code).toUpper();
     const QString prefix = code < firstNonterminal ? QStringLiteral("TOK_") : QStringLiteral("SYM_");
     if (name.size() <= 2)  // the longest operator spelling

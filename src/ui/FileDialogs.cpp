@@ -31,6 +31,11 @@ QString AllFilesFilter()
     return QStringLiteral("All Files (*.*)");
 }
 
+QString CFilesFilter()
+{
+    return QStringLiteral("C Files (*.c)");
+}
+
 void KAVENDialog::SetScriptedAnswer(std::function<QString(const KAVENDialog&)> answer)
 {
     Scripted() = std::move(answer);

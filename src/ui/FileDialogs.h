@@ -14,6 +14,7 @@ class QWidget;
 QString TextFilesFilter();     ///< "Text Files (*.txt)"
 QString GrammarFilesFilter();  ///< "TRELK Grammar Files (*.tkg)"
 QString AllFilesFilter();      ///< "All Files (*.*)"
+QString CFilesFilter();        ///< "C Files (*.c)"
 
 class KAVENDialog {
 public:

@@ -4,6 +4,7 @@
 #include "grammar/Texts.h"
 
 #include "session/Export.h"
+#include "session/StandaloneExport.h"
 #include "storage/Folders.h"
 #include "storage/GrammarFile.h"
 #include "storage/SettingsFile.h"
@@ -374,6 +375,12 @@ void frmMain::BuildMenus()
     mnuFile->addAction(mnuFileOpen);
     mnuFile->addAction(mnuFileSave);
     mnuFile->addAction(mnuFileSaveAs);
+    // The standalone C program of the selected view, for an analysed table view only.
+    mnuFileStandalone = action("mnuFileStandalone", QStringLiteral("Export Standalone C..."), &frmMain::ExportStandalone);
+    mnuFile->addAction(mnuFileStandalone);
+    connect(mnuFile, &QMenu::aboutToShow, this, [this] {
+        mnuFileStandalone->setEnabled(!processing && ViewOf(m_view).HasTable() && IsAnalysed(*m_ws, m_view));
+    });
     mnuFile1 = mnuFile->addSeparator();
     mnuFile1->setObjectName(QStringLiteral("mnuFile1"));
     mnuFile->addAction(mnuFileBack);
@@ -1007,6 +1014,22 @@ void frmMain::Export()
 {
     if (!processing)
         ExportView(*m_ws, *this, m_view);
+}
+
+void frmMain::ExportStandalone()
+{
+    if (processing)
+        return;
+    const QString grammarPath = m_ws->grammar.Path();
+    KAVENSave dialog;
+    dialog.Filter = {CFilesFilter(), AllFilesFilter()};
+    dialog.InitDir = NormaliseFolder(grammarPath.isEmpty() ? m_ws->settings.saveDir
+                                                           : QFileInfo(grammarPath).absolutePath());
+    dialog.File = QDir(dialog.InitDir).filePath(StandaloneFileName(*m_ws, m_view));
+    dialog.DefaultExt = QStringLiteral("c");
+    dialog.Owner = this;
+    if (dialog.GetFileName())
+        ExportStandaloneFile(*m_ws, *this, m_view, dialog.File);
 }
 
 void frmMain::Overview()

@@ -112,6 +112,7 @@ public:
     QAction* mnuFile1 = nullptr;
     QAction* mnuFileBack = nullptr;
     QAction* mnuFileRename = nullptr;
+    QAction* mnuFileStandalone = nullptr;
     QAction* mnuFile2 = nullptr;
     QAction* mnuFileClose = nullptr;
     QAction* mnuAnalyse = nullptr;
@@ -143,6 +144,8 @@ public:
     void Stop();
     void Clear();
     void Export();
+    /// Saves the standalone C program of the selected table view as NAME-VIEW.c.
+    void ExportStandalone();
     void Statistics();
     /// The verdicts of the six methods, one line each (as trelk-cli summary
     /// prints them), in a dialog; methods not analysed yet are run first, and

@@ -3,6 +3,7 @@
 // small grammars are golden cases (view-ll-*, table-ll-*).
 #include "analysers/Ana06LL.h"
 #include "support/GrammarSamples.h"
+#include "support/Simulators.h"
 #include "support/RecordingHost.h"
 #include "support/ScopedEnv.h"
 #include "support/TestPaths.h"
@@ -38,38 +39,6 @@ TEST(LL1, CodesGrowWithTheRuleCount)
         QStringLiteral("#define ACC 302 /* ACCEPT CODE */\r\n#define POP 301 /* POP CODE */\r\n")));
 }
 
-/// What the LL(1) table says of a token string, by the table itself: the first
-/// rule of a conflicting cell, as the C text has it.
-bool Simulate(const Workspace& ws, const std::vector<int>& input)
-{
-    const Grammar& g = ws.grammar;
-    std::vector<int> tokens = input;
-    tokens.push_back(0);
-    std::vector<int> stack{0, g.goal};
-    std::size_t pos = 0;
-    for (int steps = 0; steps < 1000000; ++steps) {
-        const int cell = ws.ll.synta.First(stack.back(), tokens[pos]);
-        if (cell == LLTable::kAcc)
-            return true;
-        if (cell == LLTable::kPop) {
-            stack.pop_back();
-            ++pos;
-            continue;
-        }
-        if (cell <= 0)
-            return false;
-        stack.pop_back();
-        if (g.ruleIsEmpty[static_cast<std::size_t>(cell)])
-            continue;
-        const std::vector<int>& rule = g.rules[static_cast<std::size_t>(cell)];
-        for (std::size_t i = rule.size() - 1; i >= 1; --i)
-            stack.push_back(rule[i]);
-        if (stack.size() > 4000)
-            return false;
-    }
-    return false;
-}
-
 TEST(LL1, GeneratedRecognizerAgreesWithTheTable)
 {
     ScopedEnv epoch("SOURCE_DATE_EPOCH", "1700000000");
@@ -94,26 +63,17 @@ TEST(LL1, GeneratedRecognizerAgreesWithTheTable)
         SCOPED_TRACE(rc.name);
         LL ll(rc.text);
         ASSERT_TRUE(ll.verdict);
-        ll.ws.settings.generateRecognizer = 1;
         ll.ws.settings.generateRules = rc.rules;
         ll.ws.settings.generateRuleReverse = rc.reverse;
-        // Without a RULE table the sample get_rule_len has nothing to read: leave it out.
-        QString body = Ana06LL(ll.ws).TableDisplay();
-        if (!rc.rules && !rc.reverse)
-            body.replace(QStringLiteral("void get_rule_len() {"), QStringLiteral("void get_rule_len_unused() {"))
-                .replace(QStringLiteral("RULE[rule][count]"), QStringLiteral("0"))
-                .replace(QStringLiteral("rule <= MAX_RULE"), QStringLiteral("rule <= 0"));
         QString errors;
-        const QString exe = CompileC(QString::fromLatin1(rc.name),
-                                     CPrologue(ll.ws.grammar) + body + CDriverMain(QStringLiteral("ll_recognize")),
-                                     errors);
+        const QString exe = CompileStandalone(ll.ws, View::LL, QString::fromLatin1(rc.name), errors);
         ASSERT_FALSE(exe.isEmpty()) << errors.toStdString();
 
         auto sentences = RandomSentences(ll.ws.grammar, 150, rng);
         auto wrong = Mutations(ll.ws.grammar, sentences, rng);
         sentences.insert(sentences.end(), wrong.begin(), wrong.end());
         const int accepted =
-            ExpectRecognizerAgrees(exe, sentences, [&](const std::vector<int>& s) { return Simulate(ll.ws, s); });
+            ExpectRecognizerAgrees(exe, ll.ws.grammar, sentences, [&](const std::vector<int>& s) { return SimulateLL(ll.ws, s); });
         EXPECT_GT(accepted, 0);
         EXPECT_LT(accepted, static_cast<int>(sentences.size()));
     }

@@ -5,6 +5,7 @@
 #include "analysers/Ana08LALR.h"
 #include "analysers/Ana09LR.h"
 #include "support/GrammarSamples.h"
+#include "support/Simulators.h"
 #include "support/RecordingHost.h"
 #include "support/ScopedEnv.h"
 #include "support/TestPaths.h"
@@ -244,38 +245,6 @@ TEST(Lr, LalrEqualsMergedCanonicalOnRandomGrammars)
 
 // ---- The generated driver --------------------------------------------------------
 
-/// What the LR table says of a token string.
-bool Simulate(const Workspace& ws, const LrResults& r, const std::vector<int>& input)
-{
-    const Grammar& g = ws.grammar;
-    std::vector<int> tokens = input;
-    tokens.push_back(0);
-    std::vector<int> stack{0};
-    std::size_t pos = 0;
-    const int accept = r.States();
-    for (int steps = 0; steps < 1000000; ++steps) {
-        const int action = RowEntry(r.rows[static_cast<std::size_t>(stack.back())], tokens[pos]);
-        if (action == accept)
-            return true;
-        if (action > 0) {
-            stack.push_back(action);
-            if (tokens[pos] != 0)
-                ++pos;
-        } else if (action < 0) {
-            const int rule = -action;
-            stack.resize(stack.size() - static_cast<std::size_t>(g.RightLength(rule)));
-            const int go = RowEntry(r.rows[static_cast<std::size_t>(stack.back())],
-                                    g.rules[static_cast<std::size_t>(rule)][0]);
-            if (go <= 0 || go == accept)
-                return false;
-            stack.push_back(go);
-        } else {
-            return false;
-        }
-    }
-    return false;
-}
-
 TEST(Lr, GeneratedDriverAgreesWithTheTables)
 {
     ScopedEnv epoch("SOURCE_DATE_EPOCH", "1700000000");
@@ -295,21 +264,17 @@ TEST(Lr, GeneratedDriverAgreesWithTheTables)
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         Ready s(c.text);
-        s.ws.settings.generateRecognizer = 1;
         Analyse(s.ws, s.fe, c.view);
         ASSERT_TRUE(s.ws.grammar.GetFlag(c.view));
         const LrResults& r = c.view == View::SLR ? s.ws.slr : c.view == View::LALR ? s.ws.lalr : s.ws.lr;
         QString errors;
-        const QString exe = CompileC(QString::fromLatin1(c.name),
-                                     CPrologue(s.ws.grammar) + s.ws.current->TableDisplay()
-                                         + CDriverMain(QStringLiteral("lr_recognize")),
-                                     errors);
+        const QString exe = CompileStandalone(s.ws, c.view, QString::fromLatin1(c.name), errors);
         ASSERT_FALSE(exe.isEmpty()) << errors.toStdString();
         auto sentences = RandomSentences(s.ws.grammar, 150, rng);
         auto wrong = Mutations(s.ws.grammar, sentences, rng);
         sentences.insert(sentences.end(), wrong.begin(), wrong.end());
         const int accepted = ExpectRecognizerAgrees(
-            exe, sentences, [&](const std::vector<int>& sentence) { return Simulate(s.ws, r, sentence); });
+            exe, s.ws.grammar, sentences, [&](const std::vector<int>& sentence) { return SimulateLR(s.ws, r, sentence); });
         EXPECT_GT(accepted, 0);
         EXPECT_LT(accepted, static_cast<int>(sentences.size()));
     }

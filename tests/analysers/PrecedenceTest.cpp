@@ -6,6 +6,7 @@
 #include "analysers/Ana10SPR.h"
 #include "analysers/Ana11OPR.h"
 #include "support/GrammarSamples.h"
+#include "support/Simulators.h"
 #include "support/RecordingHost.h"
 #include "support/ScopedEnv.h"
 #include "support/TestPaths.h"
@@ -186,69 +187,6 @@ TEST(Precedence, CorpusGrammarsAreRefusedForTheirReasonOrGetBothTables)
 
 // ---- The sample parsers -------------------------------------------------------
 
-enum class Rel { None, LT, EQ, GT };
-
-/// A cell as the C table writes it: EQ, then LT, then GT.
-Rel Resolved(const PrecedenceMatrix& m, int i, int j)
-{
-    if (m.IsEmpty(i, j))
-        return Rel::None;
-    if (m.HasCode(i, j, m.Code(PrecedenceMatrix::EQ)))
-        return Rel::EQ;
-    return m.HasCode(i, j, m.Code(PrecedenceMatrix::LT)) ? Rel::LT : Rel::GT;
-}
-
-/// Parses tokens by the table: shift on <. and .=; on .> reduce the handle, down
-/// to the nearest <. (between the top and the token for simple precedence,
-/// between terminals for operator precedence, where any non-terminal of a right
-/// side matches any other).
-bool Simulate(const Workspace& ws, std::vector<int> tokens, bool simple)
-{
-    const Grammar& g = ws.grammar;
-    const PrecedenceMatrix& m = simple ? ws.spr.synta : ws.opr.synta;
-    tokens.push_back(0);
-    std::vector<int> stack{0};
-    std::size_t pos = 0;
-    auto related = [&](std::size_t at) {  // the symbol below stack[at] that relations are read against
-        std::size_t below = at - 1;
-        while (!simple && g.IsNonterminal(stack[below]))
-            --below;
-        return below;
-    };
-    for (int steps = 0; steps < 100000; ++steps) {
-        const std::size_t top = simple ? stack.size() - 1 : related(stack.size());
-        if (tokens[pos] == 0 && stack.size() == 2 && (simple ? stack[1] == g.goal : top == 0))
-            return true;
-        const Rel rel = Resolved(m, stack[top], tokens[pos]);
-        if ((rel == Rel::LT || rel == Rel::EQ) && tokens[pos] != 0) {
-            stack.push_back(tokens[pos++]);
-            continue;
-        }
-        if (rel != Rel::GT || top == 0)
-            return false;
-        std::size_t low = top;
-        while (low > 1 && Resolved(m, stack[related(low)], stack[low]) == Rel::EQ && related(low) > 0)
-            low = related(low);
-        if (Resolved(m, stack[related(low)], stack[low]) != Rel::LT)
-            return false;
-        const std::size_t from = related(low) + 1;
-        int found = 0;
-        for (int r = 1; r <= g.ruleCount && !found; ++r) {
-            const std::vector<int>& rule = g.rules[static_cast<std::size_t>(r)];
-            bool match = rule.size() == stack.size() - from + 1;
-            for (std::size_t k = 1; match && k < rule.size(); ++k)
-                match = rule[k] == stack[from + k - 1]
-                     || (!simple && g.IsNonterminal(rule[k]) && g.IsNonterminal(stack[from + k - 1]));
-            found = match ? r : 0;
-        }
-        if (!found)
-            return false;
-        stack.resize(from);
-        stack.push_back(g.rules[static_cast<std::size_t>(found)][0]);
-    }
-    return false;
-}
-
 TEST(Precedence, GeneratedParsersAgreeWithTheSimulation)
 {
     ScopedEnv epoch("SOURCE_DATE_EPOCH", "1700000000");
@@ -272,28 +210,24 @@ TEST(Precedence, GeneratedParsersAgreeWithTheSimulation)
     for (const auto& pc : cases) {
         SCOPED_TRACE(pc.name);
         Settings settings;
-        settings.generateRecognizer = 1;
         settings.generateRules = 0;  // the parser brings its own RULE table, in order
         settings.generateRuleReverse = 1;
         Prec p(pc.text, settings);
         ASSERT_EQ(pc.simple ? p.spr : p.opr, pc.passes);
-        const QString function = pc.simple ? QStringLiteral("spr_recognize") : QStringLiteral("opr_recognize");
-        const QString tables = pc.simple ? Ana10SPR(p.ws).TableDisplay() : Ana11OPR(p.ws).TableDisplay();
         QString errors;
-        const QString exe = CompileC(QString::fromLatin1(pc.name),
-                                     CPrologue(p.ws.grammar) + tables + CDriverMain(function), errors);
+        const QString exe =
+            CompileStandalone(p.ws, pc.simple ? View::SPR : View::OPR, QString::fromLatin1(pc.name), errors);
         ASSERT_FALSE(exe.isEmpty()) << errors.toStdString();
-        EXPECT_FALSE(errors.contains(QStringLiteral("warning"))) << errors.toStdString();
 
         const auto sentences = RandomSentences(p.ws.grammar, 150, rng);
         auto all = Mutations(p.ws.grammar, sentences, rng);
         all.insert(all.end(), sentences.begin(), sentences.end());
         all.push_back({});
         const int accepted =
-            ExpectRecognizerAgrees(exe, all, [&](const std::vector<int>& s) { return Simulate(p.ws, s, pc.simple); });
+            ExpectRecognizerAgrees(exe, p.ws.grammar, all, [&](const std::vector<int>& s) { return SimulatePrecedence(p.ws, s, pc.simple); });
         if (pc.passes) {
             for (const std::vector<int>& s : sentences)
-                EXPECT_TRUE(Simulate(p.ws, s, pc.simple));
+                EXPECT_TRUE(SimulatePrecedence(p.ws, s, pc.simple));
         }
         EXPECT_LT(accepted, static_cast<int>(all.size()) - 50);  // most mutations are refused
     }

@@ -2,6 +2,8 @@
 
 #include "support/TestPaths.h"
 
+#include "session/StandaloneExport.h"
+
 #include <QFile>
 #include <QProcess>
 #include <gtest/gtest.h>
@@ -94,12 +96,16 @@ std::vector<std::vector<int>> Mutations(const Grammar& g, const std::vector<std:
 
 QString CompileC(const QString& name, const QString& source, QString& errors)
 {
+    return CompileC(name, source, errors, {QStringLiteral("-std=c99"), QStringLiteral("-Wall"), QStringLiteral("-O1")});
+}
+
+QString CompileC(const QString& name, const QString& source, QString& errors, const QStringList& options)
+{
     const QString exe = ScratchDir(QStringLiteral("c-") + name) + QLatin1Char('/') + name;
     if (!WriteFileBytes(exe + QStringLiteral(".c"), source.toUtf8()))
         return QString();
     QProcess gcc;
-    gcc.start(QStringLiteral("gcc"), {QStringLiteral("-std=c99"), QStringLiteral("-Wall"), QStringLiteral("-O1"),
-                                      QStringLiteral("-o"), exe, exe + QStringLiteral(".c")});
+    gcc.start(QStringLiteral("gcc"), options + QStringList{QStringLiteral("-o"), exe, exe + QStringLiteral(".c")});
     const bool built = gcc.waitForFinished(120000) && gcc.exitCode() == 0;
     errors = QString::fromUtf8(gcc.readAllStandardError());
     return built ? exe : QString();
@@ -115,41 +121,46 @@ QString RunProgram(const QString& program, const QString& input)
     return QString::fromUtf8(p.readAllStandardOutput());
 }
 
-QString CPrologue(Grammar& g)
+QStringList StrictCOptions()
 {
-    return QStringLiteral("typedef int stack_t;\ntypedef int sttype;\nenum {\n") + g.CommentedSymbolsDisplay()
-         + QStringLiteral("};\n");
+    return {QStringLiteral("-std=c99"), QStringLiteral("-Wall"),    QStringLiteral("-Wextra"),
+            QStringLiteral("-pedantic"), QStringLiteral("-Werror"), QStringLiteral("-O0")};
 }
 
-QString CDriverMain(const QString& recognizer)
+QString CompileStandalone(Workspace& ws, int view, const QString& name, QString& errors)
 {
-    return QStringLiteral(
-               "#include <stdio.h>\n#include <stdlib.h>\n#include <string.h>\n"
-               "int main(void) {\n"
-               "    char line[65536];\n"
-               "    while (fgets(line, sizeof line, stdin)) {\n"
-               "        int tokens[4096], n = 0; char *p = line, *end;\n"
-               "        for (;;) { long v = strtol(p, &end, 10); if (end == p) break; tokens[n++] = (int)v; p = end; }\n"
-               "        tokens[n] = TOK_EOT;\n"
-               "        printf(\"%d\\n\", ")
-         + recognizer + QStringLiteral("(tokens));\n    }\n    return 0;\n}\n");
+    const StandaloneProgramResult program = StandaloneProgram(ws, view);
+    if (!program.error.isEmpty()) {
+        errors = program.error;
+        return QString();
+    }
+    return CompileC(name, program.program, errors, StrictCOptions());
 }
 
-int ExpectRecognizerAgrees(const QString& program, const std::vector<std::vector<int>>& strings,
+QString SentenceLine(const Grammar& g, const std::vector<int>& tokens)
+{
+    QString line;
+    for (std::size_t i = 0; i < tokens.size(); ++i)
+        line += (i % 3 == 2 ? QStringLiteral(" [") : QStringLiteral("[")) + g.SymbolName(tokens[i]) + QLatin1Char(']');
+    return line;
+}
+
+int ExpectRecognizerAgrees(const QString& program, const Grammar& g, const std::vector<std::vector<int>>& strings,
                            const std::function<bool(const std::vector<int>&)>& simulate)
 {
-    QString input, expected;
+    QString input;
     int accepted = 0;
+    std::vector<bool> expected;
     for (const std::vector<int>& tokens : strings) {
-        QStringList codes;
-        for (int t : tokens)
-            codes << QString::number(t);
-        input += codes.join(QLatin1Char(' ')) + QLatin1Char('\n');
-        const bool yes = simulate(tokens);
-        accepted += yes ? 1 : 0;
-        expected += yes ? QStringLiteral("1\n") : QStringLiteral("0\n");
+        input += SentenceLine(g, tokens) + QLatin1Char('\n');
+        expected.push_back(simulate(tokens));
+        accepted += expected.back() ? 1 : 0;
     }
-    EXPECT_EQ(RunProgram(program, input), expected);
+    const QStringList out = RunProgram(program, input).split(QLatin1Char('\n'));
+    EXPECT_EQ(out.size(), static_cast<qsizetype>(strings.size() + 1));
+    for (std::size_t i = 0; i < strings.size() && static_cast<qsizetype>(i) < out.size(); ++i)
+        EXPECT_EQ(out[static_cast<qsizetype>(i)] == QStringLiteral("accepted"), expected[i])
+            << i << ": " << out[static_cast<qsizetype>(i)].toStdString();
     return accepted;
 }
 

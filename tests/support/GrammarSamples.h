@@ -66,19 +66,25 @@ std::vector<std::vector<int>> Mutations(const Grammar& g, const std::vector<std:
 /// Compiles a C program with gcc into a scratch folder; returns the executable's
 /// path, or "" with the compiler's messages in errors.
 QString CompileC(const QString& name, const QString& source, QString& errors);
+/// The same with the given gcc options before "-o"; with "-fsyntax-only" among
+/// them nothing is built and the path returned names no file.
+QString CompileC(const QString& name, const QString& source, QString& errors, const QStringList& options);
 
 /// Runs a program with the given standard input; returns its standard output.
 QString RunProgram(const QString& program, const QString& input);
 
-/// The C prologue that generated tables need: the element types and the token
-/// enumeration (the body of CommentedSymbolsDisplay).
-QString CPrologue(Grammar& g);
+/// gcc's options for generated C: C99, every warning an error, no optimisation.
+QStringList StrictCOptions();
 
-/// A C main() that reads token strings, one per line (codes separated by blanks),
-/// calls recognizer(tokens) with TOK_EOT appended and prints 1 or 0 per line.
-QString CDriverMain(const QString& recognizer);
+/// Compiles the standalone C program of view (StandaloneProgram) with
+/// StrictCOptions; returns the executable's path, or "" with the reason in errors.
+QString CompileStandalone(Workspace& ws, int view, const QString& name, QString& errors);
 
-/// Runs a compiled recognizer (a CDriverMain program) on token strings and
-/// expects its answers to equal simulate's; returns how many strings simulate accepts.
-int ExpectRecognizerAgrees(const QString& program, const std::vector<std::vector<int>>& strings,
+/// A token string as a standalone program reads it: bracketed names, now and
+/// then set apart by a blank.
+QString SentenceLine(const Grammar& g, const std::vector<int>& tokens);
+
+/// Runs a standalone program on token strings and expects its verdicts to equal
+/// simulate's; returns how many strings simulate accepts.
+int ExpectRecognizerAgrees(const QString& program, const Grammar& g, const std::vector<std::vector<int>>& strings,
                            const std::function<bool(const std::vector<int>&)>& simulate);

@@ -304,6 +304,34 @@ TEST(MainWindow, ExportWritesTheSelectedView)
     EXPECT_TRUE(FileBytes(file).contains("/* Syntax Table SYNTA (LL-analysis) */"));
 }
 
+TEST(MainWindow, ExportStandaloneCSavesNameViewDotC)
+{
+    // What the program holds and that it compiles: StandaloneCTest.
+    const QString dir = ScratchDir(QStringLiteral("ui-standalone"));
+    Window win(kLL);
+    win.SaveAs(dir + QStringLiteral("/g.tkg"));
+    win.w->SelectView(View::LL);
+    Q_EMIT win.w->mnuFile->aboutToShow();
+    EXPECT_FALSE(win.w->mnuFileStandalone->isEnabled());
+    win.w->mnuAnalyse->trigger();
+    Q_EMIT win.w->mnuFile->aboutToShow();
+    EXPECT_TRUE(win.w->mnuFileStandalone->isEnabled());
+    QString offered;
+    KAVENDialog::SetScriptedAnswer([&](const KAVENDialog& d) {
+        offered = d.File;
+        return d.File;
+    });
+    win.w->mnuFileStandalone->trigger();
+    const QString file = dir + QStringLiteral("/g-ll.c");
+    EXPECT_EQ(offered, file);
+    EXPECT_EQ(win.host.informations.last(), QStringLiteral("Files saved:\r\n") + file + QStringLiteral(".\r\n"));
+    EXPECT_TRUE(FileBytes(file).contains("int ll_recognize(const int *tokens)"));
+    EXPECT_TRUE(FileBytes(file).contains("int main(void)"));
+    win.w->SelectView(View::First);
+    Q_EMIT win.w->mnuFile->aboutToShow();
+    EXPECT_FALSE(win.w->mnuFileStandalone->isEnabled());
+}
+
 TEST(MainWindow, TransformAndRenameMenusWriteAndOpenTheResult)
 {
     const QString dir = ScratchDir(QStringLiteral("ui-transform"));
