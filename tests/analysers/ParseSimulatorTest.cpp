@@ -140,21 +140,17 @@ TEST(ParseSimulator, AgreesWithTheGeneratedRecognizersAndBuildsRightTrees)
             Analysed a(text, view);
             if (!a.ready)
                 continue;  // the method refused the grammar
+            // The standalone program is the generated recognizer with the
+            // enumeration, the types and a driver around it.
             QString errors;
-            const char* const functions[] = {"ll_recognize", "lr_recognize", "lr_recognize", "lr_recognize",
-                                             "spr_recognize", "opr_recognize"};
-            const QString function = QString::fromLatin1(functions[view - View::LL]);
-            const QString exe = CompileC(QString::fromStdString(name) + QString::number(view),
-                                         CPrologue(a.ws.grammar) + MakeAnalyser(a.ws, view)->TableDisplay()
-                                             + CDriverMain(function),
-                                         errors);
+            const QString exe = CompileStandalone(a.ws, view, QString::fromStdString(name) + QString::number(view), errors);
             ASSERT_FALSE(exe.isEmpty()) << errors.toStdString();
             auto sentences = RandomSentences(a.ws.grammar, 60, rng);
             auto wrong = Mutations(a.ws.grammar, sentences, rng);
             sentences.insert(sentences.end(), wrong.begin(), wrong.end());
             sentences.push_back({});
             int checked = 0;
-            ExpectRecognizerAgrees(exe, sentences, [&](const std::vector<int>& s) {
+            ExpectRecognizerAgrees(exe, a.ws.grammar, sentences, [&](const std::vector<int>& s) {
                 const ParseRun run = a.Run(view, s);
                 // A cycle of unit rules runs into the limit, where the C gives up too.
                 if (run.verdict == ParseVerdict::Limit)
