@@ -77,4 +77,6 @@ int CmdCompile(Workspace& workspace, const CliOptions& options, const QStringLis
 /// transform GRAMMAR CODE: writes GRAMMAR's name + "-CODE.tkg" and prints its path.
 /// explain GRAMMAR VIEW [--json] [--budget MS]: the conflicts of VIEW explained.
 int CmdExplain(Workspace& workspace, const CliOptions& options, const QStringList& args);
+/// graph GRAMMAR VIEW [--state N --depth K] [--format dot|svg]: the automaton of an LR view.
+int CmdGraph(Workspace& workspace, const CliOptions& options, const QStringList& args);
 int CmdTransform(Workspace& workspace, const CliOptions& options, const QStringList& args);

@@ -24,6 +24,9 @@ const char kUsage[] =
     "  explain GRAMMAR VIEW [--json] [--budget MS]\n"
     "                       each conflict of analyser VIEW: its rules, a shortest way in\n"
     "                       and a counterexample (MS: the search time of each, default 500)\n"
+    "  graph GRAMMAR VIEW [--state N [--depth K]] [--format dot|svg]\n"
+    "                       the automaton of LR VIEW (slr lalr lr) as DOT text or SVG,\n"
+    "                       whole or the states within K transitions of state N (K: 2)\n"
     "  transform GRAMMAR CODE\n"
     "                       write GRAMMAR-CODE.tkg beside GRAMMAR, print its path; CODE is\n"
     "                       GR RC RE LF LR UU (group rules, remove cycles, empty rules,\n"
@@ -87,6 +90,7 @@ int main(int argc, char** argv)
         {"compile", 1, 1, CmdCompile},
         {"transform", 2, 2, CmdTransform},
         {"explain", 2, 5, CmdExplain},
+        {"graph", 2, 8, CmdGraph},
     };
     for (const Command& c : commands) {
         if (command != QLatin1String(c.name))
