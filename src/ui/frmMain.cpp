@@ -7,6 +7,7 @@
 #include "storage/Folders.h"
 #include "storage/GrammarFile.h"
 #include "storage/SettingsFile.h"
+#include "ui/AutomatonPane.h"
 #include "ui/ConflictsPane.h"
 #include "ui/FileDialogs.h"
 #include "ui/GrammarEditor.h"
@@ -244,6 +245,19 @@ frmMain::frmMain(Host* messages, const QString& settingsFile)
     showConflicts->setObjectName(QStringLiteral("showConflicts"));
     showConflicts->setToolTip(QStringLiteral("The conflicts of the selected method, each with two derivations of one sentence"));
     bar->addAction(showConflicts);
+    // The automaton of the selected LR view as a picture, tabbed with the conflicts.
+    automatonPane = new AutomatonPane(*this);
+    automatonDock = new QDockWidget(QStringLiteral("Automaton"), this);
+    automatonDock->setObjectName(QStringLiteral("automatonDock"));
+    automatonDock->setWidget(automatonPane);
+    automatonDock->setAllowedAreas(Qt::BottomDockWidgetArea | Qt::TopDockWidgetArea);
+    addDockWidget(Qt::BottomDockWidgetArea, automatonDock);
+    tabifyDockWidget(conflictsDock, automatonDock);
+    automatonDock->hide();
+    QAction* showAutomaton = automatonDock->toggleViewAction();
+    showAutomaton->setObjectName(QStringLiteral("showAutomaton"));
+    showAutomaton->setToolTip(QStringLiteral("The automaton of the selected LR method, drawn"));
+    bar->addAction(showAutomaton);
 
     sState = new QLabel(QStringLiteral("State:"));
     sState->setObjectName(QStringLiteral("sState"));
@@ -283,6 +297,9 @@ frmMain::~frmMain()
     delete conflictsDock;
     conflictsDock = nullptr;
     conflictsPane = nullptr;
+    delete automatonDock;
+    automatonDock = nullptr;
+    automatonPane = nullptr;
     delete Picture1;
     Picture1 = nullptr;
 }
@@ -641,6 +658,8 @@ void frmMain::ShowRunState()
     cellPane->clear();
     if (conflictsPane)
         conflictsPane->ShowView(m_view);
+    if (automatonPane)
+        automatonPane->ShowView(m_view);
 }
 
 void frmMain::ClearStatusLabels()

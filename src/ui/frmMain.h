@@ -18,6 +18,7 @@
 #include <memory>
 #include <vector>
 
+class AutomatonPane;
 class ConflictsPane;
 class GrammarEditor;
 class ListingView;
@@ -100,6 +101,8 @@ public:
     QPlainTextEdit* cellPane = nullptr;  ///< below the grid: what the chosen cell means
     QDockWidget* conflictsDock = nullptr;  ///< under the window, hidden until asked for
     ConflictsPane* conflictsPane = nullptr;  ///< the conflicts of the selected view and why they arise
+    QDockWidget* automatonDock = nullptr;    ///< tabbed with the conflicts, hidden until asked for
+    AutomatonPane* automatonPane = nullptr;  ///< the automaton of the selected LR view, drawn
 
     QMenu* mnuFile = nullptr;
     QAction* mnuFileNew = nullptr;
