@@ -10,8 +10,8 @@
 /// which grows faster than the graph.
 struct SvgLimits {
     qsizetype maxDotBytes = 8 * 1024 * 1024;
-    int maxNodes = 2000;
-    int maxEdges = 20000;
+    int maxNodes = 1000;
+    int maxEdges = 500;
 };
 
 struct SvgPicture {

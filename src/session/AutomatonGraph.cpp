@@ -161,7 +161,30 @@ QString ConflictLine(const Grammar& g, const LrResults& results, const Conflict&
     return text;
 }
 
+/// The shifts and gotos from drawn states to drawn states.
+int Transitions(const LrResults& results, const std::vector<int>& states, const std::vector<char>& drawn)
+{
+    const int n = results.States();
+    int count = 0;
+    for (int s : states)
+        for (const auto& [code, entry] : results.rows[s])
+            count += entry > 0 && entry < n && drawn[static_cast<std::size_t>(entry)];
+    return count;
+}
+
 } // namespace
+
+bool WholeAutomatonFits(const Model& model, int view, const GraphOptions& options)
+{
+    const int n = AutomatonStates(model, view);
+    if (n == 0 || n > options.maxStates)
+        return false;
+    const LrResults& results = *LrResultsOf(model, view);
+    std::vector<int> states(static_cast<std::size_t>(n));
+    for (int s = 0; s < n; ++s)
+        states[static_cast<std::size_t>(s)] = s;
+    return Transitions(results, states, std::vector<char>(static_cast<std::size_t>(n), 1)) <= options.maxTransitions;
+}
 
 bool HasAutomaton(int view)
 {
@@ -229,32 +252,35 @@ AutomatonGraph BuildAutomatonGraph(const Model& model, int view, const GraphOpti
         return graph;
     }
     if (options.centre < 0) {
-        if (n > options.maxStates) {
-            graph.error = QStringLiteral("The %1 automaton has %2 states, more than the %3 a picture holds: "
-                                         "draw the neighbourhood of one state (--state N --depth K).")
-                              .arg(method).arg(n).arg(options.maxStates);
-            return graph;
-        }
         graph.states.resize(static_cast<std::size_t>(n));
         for (int s = 0; s < n; ++s)
             graph.states[static_cast<std::size_t>(s)] = s;
     } else {
         graph.states = Neighbourhood(*results, options.centre, std::max(0, options.depth));
-        if (static_cast<int>(graph.states.size()) > options.maxStates) {
-            graph.error = QStringLiteral("The states within %1 transitions of state %2 are %3, more than the %4 "
-                                         "a picture holds: choose a smaller depth.")
-                              .arg(std::max(0, options.depth)).arg(options.centre)
-                              .arg(graph.states.size()).arg(options.maxStates);
-            graph.states.clear();
-            return graph;
-        }
+    }
+    std::vector<char> drawn(static_cast<std::size_t>(n), 0);
+    for (int s : graph.states)
+        drawn[static_cast<std::size_t>(s)] = 1;
+    graph.transitions = Transitions(*results, graph.states, drawn);
+    const int count = static_cast<int>(graph.states.size());
+    if (count > options.maxStates || graph.transitions > options.maxTransitions) {
+        const QString limits = QStringLiteral("more than the %1 states and %2 transitions a picture holds")
+                                   .arg(options.maxStates).arg(options.maxTransitions);
+        if (options.centre < 0)
+            graph.error = QStringLiteral("The %1 automaton has %2 states and %3 transitions, %4: "
+                                         "draw the neighbourhood of one state (--state N --depth K).")
+                              .arg(method).arg(n).arg(graph.transitions).arg(limits);
+        else
+            graph.error = QStringLiteral("The states within %1 transitions of state %2 are %3 with %4 transitions, "
+                                         "%5: choose a smaller depth.")
+                              .arg(std::max(0, options.depth)).arg(options.centre).arg(count)
+                              .arg(graph.transitions).arg(limits);
+        graph.states.clear();
+        return graph;
     }
 
     const Grammar& g = model.grammar;
     Drawing drawing(model, view, *results);
-    std::vector<char> drawn(static_cast<std::size_t>(n), 0);
-    for (int s : graph.states)
-        drawn[static_cast<std::size_t>(s)] = 1;
     std::unordered_map<int, QStringList> conflictsOf;
     for (const Conflict& c : results->conflicts)
         if (c.row >= 0 && c.row < n)

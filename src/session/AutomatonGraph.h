@@ -14,14 +14,18 @@
 #include <QStringList>
 #include <vector>
 
-/// The most states a picture holds; a larger automaton is drawn by neighbourhoods.
+/// The most states and transitions a picture holds; a larger automaton is
+/// drawn by neighbourhoods. Graphviz's layout time grows fast with the edges
+/// (a C grammar's 41 states and 432 transitions take seconds to lay out).
 constexpr int kMaxGraphStates = 400;
+constexpr int kMaxGraphTransitions = 250;
 
 struct GraphOptions {
     int centre = -1;     ///< the state whose neighbourhood is drawn; -1: the whole automaton
     int depth = 2;       ///< the transitions either way from centre a drawn state lies within
     int highlight = -1;  ///< a state drawn filled (the one a parse is in); -1 for none
     int maxStates = kMaxGraphStates;
+    int maxTransitions = kMaxGraphTransitions;
 };
 
 struct AutomatonGraph {
@@ -29,12 +33,15 @@ struct AutomatonGraph {
     QString error;            ///< why there is no picture, in a sentence
     std::vector<int> states;  ///< the states drawn, ascending
     int totalStates = 0;      ///< the states of the automaton
+    int transitions = 0;      ///< the shifts and gotos between the states drawn
 };
 
 /// Whether view is one of the LR views (SLR(1), LALR(1), canonical LR(1)).
 bool HasAutomaton(int view);
 /// The number of states of view's automaton; 0 when it has not been built.
 int AutomatonStates(const Model& model, int view);
+/// Whether the whole automaton of view fits in one picture.
+bool WholeAutomatonFits(const Model& model, int view, const GraphOptions& options = GraphOptions());
 /// The states within depth transitions of centre, following the shifts and
 /// gotos forwards and backwards, ascending. The automaton must hold centre.
 std::vector<int> Neighbourhood(const LrResults& results, int centre, int depth);

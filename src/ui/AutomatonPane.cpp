@@ -134,9 +134,12 @@ void AutomatonPane::ShowView(int view)
     m_setting = true;
     stateSpin->setRange(0, std::max(0, states - 1));
     stateSpin->setValue(0);
-    // A large automaton opens on the neighbourhood of its first state.
-    wholeBox->setChecked(states <= kMaxGraphStates);
-    wholeBox->setEnabled(states > 0 && states <= kMaxGraphStates);
+    // A large automaton opens on the nearest neighbours of its first state.
+    const bool fits = WholeAutomatonFits(m_window.workspace(), view);
+    wholeBox->setChecked(fits);
+    wholeBox->setEnabled(fits);
+    if (!fits)
+        depthSpin->setValue(1);
     m_setting = false;
     items->clear();
     m_stale = true;
