@@ -12,26 +12,29 @@
 namespace {
 
 std::mutex g_graphviz;
-QStringList* g_messages = nullptr;  ///< where the error hook puts what Graphviz says, while drawing
+/// Where the error hook puts what Graphviz says while drawing; it says a
+/// message in pieces ("Error", ": ", "syntax error in line 1 ...\n").
+QString* g_said = nullptr;
 
-int Collect(char* message)
+int Collect(char* piece)
 {
-    if (g_messages && message)
-        *g_messages << QString::fromUtf8(message).trimmed();
+    if (g_said && piece)
+        *g_said += QString::fromUtf8(piece);
     return 0;
 }
 
-/// The errors among what Graphviz said, without its "Error: " prefixes, in one line.
-QString Errors(const QStringList& messages)
+/// The errors among what Graphviz said, without their "Error: " prefixes, in one line.
+QString Errors(const QString& said)
 {
     QStringList errors;
-    for (QString m : messages) {
+    for (QString m : said.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+        m = m.simplified();
         if (m.startsWith(QStringLiteral("Warning")))
             continue;
         if (m.startsWith(QStringLiteral("Error: ")))
             m.remove(0, 7);
         if (!m.isEmpty())
-            errors << m.simplified();
+            errors << m;
     }
     return errors.join(QStringLiteral("; "));
 }
@@ -67,21 +70,21 @@ SvgPicture DotToSvg(const QByteArray& dot, const SvgLimits& limits)
         return picture;
     }
     std::lock_guard<std::mutex> lock(g_graphviz);
-    QStringList messages;
-    g_messages = &messages;
+    QString said;
+    g_said = &said;
     const agusererrf previous = agseterrf(Collect);
     struct Restore {
         agusererrf previous;
         ~Restore()
         {
             agseterrf(previous);
-            g_messages = nullptr;
+            g_said = nullptr;
         }
     } restore{previous};
 
     auto failed = [&](const QString& what) {
-        const QString said = Errors(messages);
-        picture.error = said.isEmpty() ? what + QLatin1Char('.') : what + QStringLiteral(": ") + said;
+        const QString errors = Errors(said);
+        picture.error = errors.isEmpty() ? what + QLatin1Char('.') : what + QStringLiteral(": ") + errors;
         return picture;
     };
     Session s;
@@ -99,13 +102,18 @@ SvgPicture DotToSvg(const QByteArray& dot, const SvgLimits& limits)
                             .arg(nodes).arg(edges).arg(limits.maxNodes).arg(limits.maxEdges);
         return picture;
     }
-    if (gvLayout(s.gvc, s.graph, "dot") != 0)
+    // A label Graphviz could not read is drawn as its plain text after an
+    // error: a picture that is not what was asked for is refused.
+    if (gvLayout(s.gvc, s.graph, "dot") != 0 || !Errors(said).isEmpty())
         return failed(QStringLiteral("Graphviz could not lay out the graph"));
     s.laidOut = true;
     char* data = nullptr;
     unsigned int length = 0;
-    if (gvRenderData(s.gvc, s.graph, "svg", &data, &length) != 0 || !data)
+    if (gvRenderData(s.gvc, s.graph, "svg", &data, &length) != 0 || !data || !Errors(said).isEmpty()) {
+        if (data)
+            gvFreeRenderData(data);
         return failed(QStringLiteral("Graphviz could not draw the graph as SVG"));
+    }
     picture.svg = QByteArray(data, static_cast<qsizetype>(length));
     gvFreeRenderData(data);
     return picture;
