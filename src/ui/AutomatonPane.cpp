@@ -257,8 +257,10 @@ void AutomatonPane::ChooseState(int state)
     items->setPlainText(text);
     TableGrid* grid = m_window.Picture1;
     if (grid->Model().View() == m_view && state < grid->Model().rowCount()) {
-        grid->selectRow(state);
-        grid->scrollTo(grid->Model().index(state, 0));
+        // The grid chooses single cells; its whole row is chosen here all the same.
+        const QModelIndex first = grid->Model().index(state, 0);
+        grid->selectionModel()->setCurrentIndex(first, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+        grid->scrollTo(first);
     }
 }
 
