@@ -7,6 +7,7 @@ packages=(
   cmake ninja-build g++ make pkg-config
   qt6-base-dev qt6-base-dev-tools libgl-dev
   libgtest-dev googletest
+  libgraphviz-dev
   fonts-dejavu-core
   xvfb xauth
   bison byacc time python3

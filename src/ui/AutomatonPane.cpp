@@ -138,8 +138,8 @@ void AutomatonPane::ShowView(int view)
     const bool fits = WholeAutomatonFits(m_window.workspace(), view);
     wholeBox->setChecked(fits);
     wholeBox->setEnabled(fits);
-    if (!fits)
-        depthSpin->setValue(1);
+    if (states > 0)
+        depthSpin->setValue(fits ? 2 : 1);
     m_setting = false;
     items->clear();
     m_stale = true;
