@@ -4,6 +4,7 @@
 /// picture is drawn at a time.
 #include "render/DotToSvg.h"
 
+#include <QRegularExpression>
 #include <QStringList>
 #include <graphviz/cgraph.h>
 #include <graphviz/gvc.h>
@@ -33,6 +34,10 @@ QString Errors(const QString& said)
             continue;
         if (m.startsWith(QStringLiteral("Error: ")))
             m.remove(0, 7);
+        // Graphviz counts its lines on from the texts read before: the
+        // number it gives is not a line of this text.
+        static const QRegularExpression line(QStringLiteral(" in line \\d+"));
+        m.remove(line);
         if (!m.isEmpty())
             errors << m;
     }

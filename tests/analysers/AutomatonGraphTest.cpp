@@ -256,8 +256,10 @@ TEST(AutomatonGraph, OddSymbolNamesComeThroughGraphvizAsWritten)
 
 TEST(AutomatonGraph, GraphvizComplaintsBecomeMessages)
 {
-    EXPECT_EQ(DotToSvg("digraph { a -> ; }").error.toStdString(),
-              "Graphviz could not read the graph: syntax error in line 2 near ';'");
+    // Twice: Graphviz counts lines on across reads, so no line is named.
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(DotToSvg("digraph {\n a -> ; }").error.toStdString(),
+                  "Graphviz could not read the graph: syntax error near ';'");
     EXPECT_EQ(DotToSvg("").error.toStdString(), "Graphviz could not read the graph.");
     SvgLimits small;
     small.maxNodes = 2;
