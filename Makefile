@@ -52,6 +52,7 @@ screenshot: build
 	cp $(SHOT_GRAMMAR) $(BUILD)/screenshot.tkg
 	xvfb-run -a -s "-screen 0 1280x1024x24" ./$(BUILD)/bin/trelk --ini $(BUILD)/screenshot.ini \
 	  --screenshot docs/screenshots $(BUILD)/screenshot.tkg
+	mv docs/screenshots/automaton.png docs/automaton.png
 
 clean:
 	rm -rf $(BUILD)

@@ -8,6 +8,7 @@ packages=(
   qt6-base-dev qt6-base-dev-tools libgl-dev
   qt6-svg-dev
   libgtest-dev googletest
+  libgraphviz-dev
   fonts-dejavu-core
   xvfb xauth
   bison byacc time python3

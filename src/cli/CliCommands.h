@@ -80,4 +80,6 @@ int CmdCompile(Workspace& workspace, const CliOptions& options, const QStringLis
 int CmdExplain(Workspace& workspace, const CliOptions& options, const QStringList& args);
 /// parse GRAMMAR VIEW SENTENCE [--json] [--trace]: the sentence run through VIEW's table.
 int CmdParse(Workspace& workspace, const CliOptions& options, const QStringList& args);
+/// graph GRAMMAR VIEW [--state N --depth K] [--format dot|svg]: the automaton of an LR view.
+int CmdGraph(Workspace& workspace, const CliOptions& options, const QStringList& args);
 int CmdTransform(Workspace& workspace, const CliOptions& options, const QStringList& args);

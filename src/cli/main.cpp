@@ -29,6 +29,9 @@ const char kUsage[] =
     "  parse GRAMMAR VIEW SENTENCE [--json] [--trace]\n"
     "                       run SENTENCE (\"[a][+][a]\" or \"a + a\") through the table of\n"
     "                       analyser VIEW as its sample recognizer would; exit 5 when rejected\n"
+    "  graph GRAMMAR VIEW [--state N [--depth K]] [--format dot|svg]\n"
+    "                       the automaton of LR VIEW (slr lalr lr) as DOT text or SVG,\n"
+    "                       whole or the states within K transitions of state N (K: 2)\n"
     "  transform GRAMMAR CODE\n"
     "                       write GRAMMAR-CODE.tkg beside GRAMMAR, print its path; CODE is\n"
     "                       GR RC RE LF LR UU (group rules, remove cycles, empty rules,\n"
@@ -93,6 +96,7 @@ int main(int argc, char** argv)
         {"transform", 2, 2, CmdTransform},
         {"explain", 2, 5, CmdExplain},
         {"parse", 3, 5, CmdParse},
+        {"graph", 2, 8, CmdGraph},
     };
     for (const Command& c : commands) {
         if (command != QLatin1String(c.name))

@@ -4,6 +4,7 @@
 
 #include "ui/ParsePane.h"
 #include "ui/ConflictsPane.h"
+#include "ui/AutomatonPane.h"
 #include "ui/TableGrid.h"
 #include "ui/frmAbout.h"
 #include "ui/frmMain.h"
@@ -13,6 +14,8 @@
 #include "session/OpenSave.h"
 
 #include <QApplication>
+#include <QDockWidget>
+#include <QGraphicsView>
 #include <QDir>
 #include <QDockWidget>
 #include <QFile>
@@ -147,6 +150,31 @@ int TakeScreenshots(frmMain& window, const QString& folder)
         window.SelectView(11);
         window.Analyse();
         ok &= Save(window, folder + QStringLiteral("/main-opr.png"));
+        if (!grammar.isEmpty())
+            window.TKGOpen(grammar);
+    }
+    // The LALR(1) automaton of the dangling else, its conflict state chosen.
+    const QString dangling = QDir::tempPath() + QStringLiteral("/trelk-screenshot-dangling-else.tkg");
+    QFile::remove(dangling);
+    QFile::copy(QStringLiteral(TRELK_DOCS_DIR "/../examples/dangling-else.tkg"), dangling);
+    if (window.TKGOpen(dangling)) {
+        window.SelectView(8);
+        window.Analyse();
+        window.resize(1240, 980);
+        window.automatonDock->show();
+        window.automatonDock->raise();
+        window.resizeDocks({window.automatonDock}, {520}, Qt::Vertical);
+        for (int i = 0; i < 10; ++i)
+            QApplication::processEvents();
+        const std::vector<Conflict> conflicts = ConflictsOf(window.workspace(), 8);
+        if (!conflicts.empty()) {
+            AutomatonPane& pane = *window.automatonPane;
+            pane.ChooseState(conflicts.front().row);
+            pane.view->scale(0.8, 0.8);
+            pane.view->centerOn(pane.StateRect(conflicts.front().row).center());
+        }
+        ok &= Save(window, folder + QStringLiteral("/automaton.png"));
+        window.automatonDock->hide();
         if (!grammar.isEmpty())
             window.TKGOpen(grammar);
     }

@@ -8,6 +8,7 @@
 #include "storage/Folders.h"
 #include "storage/GrammarFile.h"
 #include "storage/SettingsFile.h"
+#include "ui/AutomatonPane.h"
 #include "ui/ConflictsPane.h"
 #include "ui/ParsePane.h"
 #include "ui/FileDialogs.h"
@@ -259,6 +260,22 @@ frmMain::frmMain(Host* messages, const QString& settingsFile)
     showParse->setObjectName(QStringLiteral("showParse"));
     showParse->setToolTip(QStringLiteral("Parse a sentence with the selected method's table, step by step, and watch its tree grow"));
     bar->addAction(showParse);
+    // The automaton of the selected LR view as a picture, tabbed with the conflicts.
+    automatonPane = new AutomatonPane(*this);
+    automatonDock = new QDockWidget(QStringLiteral("Automaton"), this);
+    automatonDock->setObjectName(QStringLiteral("automatonDock"));
+    automatonDock->setWidget(automatonPane);
+    automatonDock->setAllowedAreas(Qt::BottomDockWidgetArea | Qt::TopDockWidgetArea);
+    addDockWidget(Qt::BottomDockWidgetArea, automatonDock);
+    // Beside the tabs of the conflicts and the parse, not among them: a parse
+    // stepped through shows its current state in the picture.
+    splitDockWidget(conflictsDock, automatonDock, Qt::Horizontal);
+    automatonDock->hide();
+    QAction* showAutomaton = automatonDock->toggleViewAction();
+    showAutomaton->setObjectName(QStringLiteral("showAutomaton"));
+    showAutomaton->setToolTip(QStringLiteral("The automaton of the selected LR method, drawn"));
+    bar->addAction(showAutomaton);
+    connect(parsePane, &ParsePane::stateShown, automatonPane, &AutomatonPane::HighlightState);
 
     sState = new QLabel(QStringLiteral("State:"));
     sState->setObjectName(QStringLiteral("sState"));
@@ -301,6 +318,9 @@ frmMain::~frmMain()
     delete parseDock;
     parseDock = nullptr;
     parsePane = nullptr;
+    delete automatonDock;
+    automatonDock = nullptr;
+    automatonPane = nullptr;
     delete Picture1;
     Picture1 = nullptr;
 }
@@ -671,6 +691,8 @@ void frmMain::ShowRunState()
         conflictsPane->ShowView(m_view);
     if (parsePane)
         parsePane->ShowView(m_view);
+    if (automatonPane)
+        automatonPane->ShowView(m_view);
 }
 
 void frmMain::ClearStatusLabels()

@@ -18,6 +18,7 @@
 #include <memory>
 #include <vector>
 
+class AutomatonPane;
 class ConflictsPane;
 class ParsePane;
 class GrammarEditor;
@@ -103,6 +104,8 @@ public:
     ConflictsPane* conflictsPane = nullptr;  ///< the conflicts of the selected view and why they arise
     QDockWidget* parseDock = nullptr;  ///< beside the conflicts, hidden until asked for
     ParsePane* parsePane = nullptr;    ///< a sentence parsed step by step with the selected view's table
+    QDockWidget* automatonDock = nullptr;    ///< tabbed with the conflicts, hidden until asked for
+    AutomatonPane* automatonPane = nullptr;  ///< the automaton of the selected LR view, drawn
 
     QMenu* mnuFile = nullptr;
     QAction* mnuFileNew = nullptr;
