@@ -236,45 +236,36 @@ frmMain::frmMain(Host* messages, const QString& settingsFile)
     BuildViewSelector(bar);
     addToolBar(Qt::TopToolBarArea, bar);
 
+    // The panes under the window, each hidden until its button on the view bar asks for it.
+    auto addPane = [&](const QString& title, const QString& name, QWidget* pane, const QString& tip) {
+        auto* dock = new QDockWidget(title, this);
+        dock->setObjectName(name + QStringLiteral("Dock"));
+        dock->setWidget(pane);
+        dock->setAllowedAreas(Qt::BottomDockWidgetArea | Qt::TopDockWidgetArea);
+        addDockWidget(Qt::BottomDockWidgetArea, dock);
+        QAction* show = dock->toggleViewAction();
+        show->setObjectName(QStringLiteral("show") + name.at(0).toUpper() + name.mid(1));
+        show->setToolTip(tip);
+        bar->addAction(show);
+        return dock;
+    };
     conflictsPane = new ConflictsPane(*this);
-    conflictsDock = new QDockWidget(QStringLiteral("Conflicts"), this);
-    conflictsDock->setObjectName(QStringLiteral("conflictsDock"));
-    conflictsDock->setWidget(conflictsPane);
-    conflictsDock->setAllowedAreas(Qt::BottomDockWidgetArea | Qt::TopDockWidgetArea);
-    addDockWidget(Qt::BottomDockWidgetArea, conflictsDock);
-    conflictsDock->hide();
-    QAction* showConflicts = conflictsDock->toggleViewAction();
-    showConflicts->setObjectName(QStringLiteral("showConflicts"));
-    showConflicts->setToolTip(QStringLiteral("The conflicts of the selected method, each with two derivations of one sentence"));
-    bar->addAction(showConflicts);
+    conflictsDock = addPane(QStringLiteral("Conflicts"), QStringLiteral("conflicts"), conflictsPane,
+                            QStringLiteral("The conflicts of the selected method, each with two derivations of one sentence"));
     // A sentence parsed step by step with the selected method's table, in a tab beside the conflicts.
     parsePane = new ParsePane(*this);
-    parseDock = new QDockWidget(QStringLiteral("Parse"), this);
-    parseDock->setObjectName(QStringLiteral("parseDock"));
-    parseDock->setWidget(parsePane);
-    parseDock->setAllowedAreas(Qt::BottomDockWidgetArea | Qt::TopDockWidgetArea);
-    addDockWidget(Qt::BottomDockWidgetArea, parseDock);
+    parseDock = addPane(QStringLiteral("Parse"), QStringLiteral("parse"), parsePane,
+                        QStringLiteral("Parse a sentence with the selected method's table, step by step, and watch its tree grow"));
     tabifyDockWidget(conflictsDock, parseDock);
-    parseDock->hide();
-    QAction* showParse = parseDock->toggleViewAction();
-    showParse->setObjectName(QStringLiteral("showParse"));
-    showParse->setToolTip(QStringLiteral("Parse a sentence with the selected method's table, step by step, and watch its tree grow"));
-    bar->addAction(showParse);
-    // The automaton of the selected LR view as a picture, tabbed with the conflicts.
+    // The automaton of the selected LR view as a picture beside the tabs of the
+    // conflicts and the parse, not among them: a parse stepped through shows
+    // its current state in the picture.
     automatonPane = new AutomatonPane(*this);
-    automatonDock = new QDockWidget(QStringLiteral("Automaton"), this);
-    automatonDock->setObjectName(QStringLiteral("automatonDock"));
-    automatonDock->setWidget(automatonPane);
-    automatonDock->setAllowedAreas(Qt::BottomDockWidgetArea | Qt::TopDockWidgetArea);
-    addDockWidget(Qt::BottomDockWidgetArea, automatonDock);
-    // Beside the tabs of the conflicts and the parse, not among them: a parse
-    // stepped through shows its current state in the picture.
+    automatonDock = addPane(QStringLiteral("Automaton"), QStringLiteral("automaton"), automatonPane,
+                            QStringLiteral("The automaton of the selected LR method, drawn"));
     splitDockWidget(conflictsDock, automatonDock, Qt::Horizontal);
-    automatonDock->hide();
-    QAction* showAutomaton = automatonDock->toggleViewAction();
-    showAutomaton->setObjectName(QStringLiteral("showAutomaton"));
-    showAutomaton->setToolTip(QStringLiteral("The automaton of the selected LR method, drawn"));
-    bar->addAction(showAutomaton);
+    for (QDockWidget* dock : {conflictsDock, parseDock, automatonDock})
+        dock->hide();
     connect(parsePane, &ParsePane::stateShown, automatonPane, &AutomatonPane::HighlightState);
 
     sState = new QLabel(QStringLiteral("State:"));
