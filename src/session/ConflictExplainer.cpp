@@ -38,37 +38,6 @@ int MaxRight(const RuleTable& rules)
     return most;
 }
 
-/// A shortest symbol path from state 0 to each state, over shifts and gotos.
-std::vector<std::vector<int>> ShortestPrefixes(const LrResults& lr)
-{
-    const int states = lr.States();
-    std::vector<int> parent(states, -1), via(states, 0);
-    std::vector<char> seen(states, 0);
-    std::deque<int> queue{0};
-    seen[0] = 1;
-    while (!queue.empty()) {
-        const int s = queue.front();
-        queue.pop_front();
-        for (const auto& [code, entry] : lr.rows[s]) {
-            if (entry <= 0 || entry >= states || seen[entry])
-                continue;
-            seen[entry] = 1;
-            parent[entry] = s;
-            via[entry] = code;
-            queue.push_back(entry);
-        }
-    }
-    std::vector<std::vector<int>> out(states);
-    for (int s = 1; s < states; ++s) {
-        if (!seen[s])
-            continue;
-        for (int t = s; t > 0; t = parent[t])
-            out[s].push_back(via[t]);
-        std::reverse(out[s].begin(), out[s].end());
-    }
-    return out;
-}
-
 /// The non-terminals to root a unifying search at: the given ones, then those
 /// whose rules hold them, nearest first.
 std::vector<int> Roots(const RuleTable& rules, std::vector<int> start, int most)
@@ -188,8 +157,7 @@ public:
         return QStringLiteral("reduce by rule %1 %2").arg(-entry).arg(RuleText(m_g, -entry));
     }
 
-    ConflictExplanation Lr(const LrResults& lr, const ParserWalk& walk, const std::vector<std::vector<int>>& prefixes,
-                           const Conflict& c)
+    ConflictExplanation Lr(const LrResults& lr, const ParserWalk& walk, const Conflict& c)
     {
         ConflictExplanation e;
         e.conflict = c;
@@ -202,7 +170,7 @@ public:
         if (c.kept < 0)
             e.rules.push_back(-c.kept);
         e.rules.push_back(reduced);
-        e.prefix = prefixes[c.row];
+        e.prefix = walk.ShortestPrefix(c.row);
         const int a = c.column;
 
         // First the automaton itself: a parser of sentential forms walked over
@@ -637,12 +605,11 @@ Explanations ExplainConflicts(Workspace& workspace, int view, const ExplainOptio
     Explainer explainer(workspace, view, options);
     if (info.lrResults) {
         const LrResults& lr = workspace.*(info.lrResults);
-        const std::vector<std::vector<int>> prefixes = ShortestPrefixes(lr);
         const ParserWalk walk(workspace.grammar, lr);
         for (const Conflict& c : lr.conflicts) {
             if (explainer.Stopped())
                 break;
-            out.conflicts.push_back(explainer.Lr(lr, walk, prefixes, c));
+            out.conflicts.push_back(explainer.Lr(lr, walk, c));
             out.conflicts.back().notes = StrongerMethodNotes(workspace, view, c.row, c.column);
         }
     } else if (info.precedenceResults) {

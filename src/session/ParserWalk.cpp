@@ -23,7 +23,7 @@ constexpr int kCompletionSteps = 100000;
 ParserWalk::ParserWalk(const Grammar& g, const LrResults& lr)
     : m_g(g)
     , m_lr(lr)
-    , m_items(new LrItems(g))
+    , m_items(std::make_unique<LrItems>(g))
     , m_reduces(static_cast<std::size_t>(lr.States()))
     , m_reducesDone(static_cast<std::size_t>(lr.States()), 0)
     , m_into(static_cast<std::size_t>(lr.States()))
@@ -121,10 +121,7 @@ std::vector<int> ParserWalk::PrefixForReduce(int state, int lookahead, int rule,
     return {};
 }
 
-ParserWalk::~ParserWalk()
-{
-    delete m_items;
-}
+ParserWalk::~ParserWalk() = default;
 
 int ParserWalk::Goto(int state, int symbol) const
 {

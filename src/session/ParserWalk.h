@@ -15,6 +15,7 @@
 #include "model/Results.h"
 #include "session/Derivation.h"
 
+#include <memory>
 #include <vector>
 
 class LrItems;
@@ -34,6 +35,11 @@ public:
     /// The leaves a walk's tree has before the look-ahead when it reads
     /// prefix: its symbols less the non-terminals taken from empty rules.
     int LeavesOf(const std::vector<int>& prefix) const;
+
+    /// A shortest viable prefix into state: the symbols of a shortest path
+    /// from state 0 over the shifts and gotos (empty for state 0 and for a
+    /// state no path reaches).
+    const std::vector<int>& ShortestPrefix(int state) const { return m_shortest[static_cast<std::size_t>(state)]; }
 
     /// Viable prefixes that lead from state 0 into state, shortest first, at most `most`.
     std::vector<std::vector<int>> PrefixesTo(int state, int most) const;
@@ -85,7 +91,7 @@ private:
 
     const Grammar& m_g;
     const LrResults& m_lr;
-    LrItems* m_items;
+    std::unique_ptr<LrItems> m_items;
     /// by state: a shortest symbol path from state 0
     std::vector<std::vector<int>> m_shortest;
     int m_accept;  ///< the state reached from state 0 on the goal

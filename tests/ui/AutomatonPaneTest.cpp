@@ -9,6 +9,7 @@
 #include "ui/FileDialogs.h"
 #include "ui/TableGrid.h"
 #include "ui/frmMain.h"
+#include "GrammarWindow.h"
 
 #include <QCheckBox>
 #include <QDockWidget>
@@ -25,20 +26,8 @@ namespace {
 const QString kDanglingElse =
     Lines({"<S>", "<S>=[if]<E>[then]<S>", "<S>=[if]<E>[then]<S>[else]<S>", "<S>=[x]", "<E>=[c]"});
 
-struct PaneWindow {
-    RecordingHost host;
-    frmMain w{&host, QString()};
-    explicit PaneWindow(const QString& text)
-    {
-        w.show();
-        w.SetText1(text);
-    }
-    ~PaneWindow() { KAVENDialog::SetScriptedAnswer({}); }
-    void Analyse(int view)
-    {
-        w.SelectView(view);
-        w.mnuAnalyse->trigger();
-    }
+struct PaneWindow : GrammarWindow {
+    using GrammarWindow::GrammarWindow;
     AutomatonPane& pane() { return *w.automatonPane; }
     void Show()
     {

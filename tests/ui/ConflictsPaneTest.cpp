@@ -9,6 +9,7 @@
 #include "ui/GrammarEditor.h"
 #include "ui/TableGrid.h"
 #include "ui/frmMain.h"
+#include "GrammarWindow.h"
 #include "session/TableCells.h"
 
 #include <QDockWidget>
@@ -39,20 +40,8 @@ const char* const kPlainText =
     "    derivation 2: <E>=( <E>=( <E> [+] <E> ) [+] <E> )\r\n"
     "    sentence 2:   [a] [+] [a] [+] [a]\r\n";
 
-struct PaneWindow {
-    RecordingHost host;
-    frmMain w{&host, QString()};
-    explicit PaneWindow(const QString& text)
-    {
-        w.show();
-        w.SetText1(text);
-    }
-    ~PaneWindow() { KAVENDialog::SetScriptedAnswer({}); }
-    void Analyse(int view)
-    {
-        w.SelectView(view);
-        w.mnuAnalyse->trigger();
-    }
+struct PaneWindow : GrammarWindow {
+    using GrammarWindow::GrammarWindow;
     ConflictsPane& pane() { return *w.conflictsPane; }
 };
 

@@ -12,6 +12,7 @@
 #include "ui/GrammarEditor.h"
 #include "ui/ParsePane.h"
 #include "ui/frmMain.h"
+#include "GrammarWindow.h"
 
 #include <QAbstractItemModel>
 #include <QComboBox>
@@ -34,20 +35,11 @@ const QString kExpr = Lines({"<E>", "<E>=<E>[+]<T>", "<E>=<T>", "<T>=<T>[*]<F>",
 // Ambiguous: LALR(1) keeps the shift on [+] after <E>[+]<E>.
 const QString kAmbiguous = Lines({"<E>", "<E>=<E>[+]<E>", "<E>=[a]"});
 
-struct PaneWindow {
-    RecordingHost host;
-    frmMain w{&host, QString()};
+struct PaneWindow : GrammarWindow {
     explicit PaneWindow(const QString& text)
+        : GrammarWindow(text)
     {
-        w.show();
-        w.SetText1(text);
         w.parseDock->show();
-    }
-    ~PaneWindow() { KAVENDialog::SetScriptedAnswer({}); }
-    void Analyse(int view)
-    {
-        w.SelectView(view);
-        w.mnuAnalyse->trigger();
     }
     ParsePane& pane() { return *w.parsePane; }
     const Grammar& g() { return w.workspace().grammar; }
